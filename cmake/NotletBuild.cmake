@@ -1,0 +1,37 @@
+# Compiler settings that every target of the project shares, gathered in one interface library.
+
+add_library(notlet_build INTERFACE)
+target_include_directories(notlet_build INTERFACE "${CMAKE_SOURCE_DIR}/src")
+target_compile_definitions(notlet_build INTERFACE
+  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_KEYWORDS QT_USE_QSTRINGBUILDER
+  $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+target_compile_options(notlet_build INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough)
+
+if(NOTLET_WERROR)
+  target_compile_options(notlet_build INTERFACE -Werror)
+endif()
+
+if(NOTLET_SANITIZE)
+  target_compile_options(notlet_build INTERFACE
+    -fsanitize=${NOTLET_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(notlet_build INTERFACE -fsanitize=${NOTLET_SANITIZE})
+endif()
+
+# Programs load only the libraries that they use: the command line starts without Qt.
+add_link_options(-Wl,--as-needed)
+find_program(NOTLET_MOLD mold)
+if(NOTLET_MOLD)
+  add_link_options(-fuse-ld=mold)
+endif()
+
+find_program(NOTLET_CCACHE ccache)
+if(NOTLET_CCACHE)
+  # Precompiled headers carry time stamps that ccache would otherwise count as changes.
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env
+    CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime "${NOTLET_CCACHE}")
+endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # Lets ccache hash a precompiled header by its content.
+  target_compile_options(notlet_build INTERFACE -fpch-preprocess)
+endif()

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/Timestamp.h"
+#include "core/Uuid.h"
+#include "core/WordList.h"
+
+namespace notlet {
+
+/// A note as it is stored. `hashtags` and `keywords` are always those of the current `content`.
+struct NotletEntry {
+  Uuid id;
+  /// UTF-8, trimmed, never empty.
+  std::string content;
+  Timestamp createdAt{};
+  /// Set by the last successful edit.
+  std::optional<Timestamp> updatedAt;
+  /// Without "#", in order of first appearance, no two equal after lowercasing.
+  WordList hashtags;
+  /// In order of first appearance, as written.
+  WordList keywords;
+
+  bool operator==(const NotletEntry&) const = default;
+};
+
+/// A new notlet of typed text; nothing when the text is empty after trimming.
+[[nodiscard]] std::optional<NotletEntry> makeNotlet(std::string_view text, Timestamp now);
+
+/// Gives an existing notlet the edited text. False, and nothing changed, when that is empty after trimming.
+[[nodiscard]] bool applyEdit(NotletEntry& notlet, std::string_view draft, Timestamp now);
+
+/// The order of every list of notlets: newest first, and a fixed order between equal times.
+[[nodiscard]] inline bool listedBefore(const NotletEntry& left, const NotletEntry& right) {
+  if (left.createdAt != right.createdAt)
+    return left.createdAt > right.createdAt;
+  return left.id > right.id;
+}
+
+} // namespace notlet
