@@ -46,6 +46,10 @@ class WordList {
     bool m_atEnd = true;
   };
 
+  using value_type = std::string_view;
+  using iterator = Iterator;
+  using const_iterator = Iterator;
+
   WordList() = default;
   WordList(std::initializer_list<std::string_view> words) {
     for (const std::string_view word : words)
@@ -60,6 +64,8 @@ class WordList {
   [[nodiscard]] static WordList fromPacked(std::string packed) {
     WordList list;
     list.m_packed = std::move(packed);
+    if (!list.m_packed.empty() && list.m_packed.back() != '\n')
+      list.m_packed.push_back('\n');
     return list;
   }
 

@@ -1,0 +1,210 @@
+#include "core/FoldedArchive.h"
+
+#include <algorithm>
+
+#include "core/ByteSearch.h"
+#include "core/Text.h"
+
+namespace notlet {
+
+namespace {
+
+constexpr std::size_t slotsPerPage = 1024;
+
+// Bytes that never occur in UTF-8 part what belongs to a notlet: its text, its tags, each between tag bytes,
+// its further keywords, each between keyword bytes, and the end.
+constexpr char tagByte = '\xFE';
+constexpr char keywordByte = '\xFD';
+constexpr char endByte = '\xFF';
+
+bool isWordByte(char byte) {
+  return byte == tagByte || byte == keywordByte;
+}
+
+void appendWords(std::string& bytes, const std::vector<std::string>& words, char parting) {
+  if (words.empty())
+    return;
+  bytes.push_back(parting);
+  for (const std::string& word : words)
+    bytes.append(word).push_back(parting);
+}
+
+struct FoldedNotlet {
+  std::string bytes;
+  std::size_t contentLength = 0;
+
+  explicit FoldedNotlet(const NotletEntry& notlet)
+      : bytes(folded(notlet.content)), contentLength(bytes.size()) {
+    std::vector<std::string> tags;
+    for (const std::string_view tag : notlet.hashtags)
+      tags.push_back(folded(tag));
+    // A keyword that the text contains adds nothing to what is found: nearly all of them.
+    std::vector<std::string> keywords;
+    for (const std::string_view keyword : notlet.keywords) {
+      std::string key = folded(keyword);
+      if (!containsCanonically(bytes, key))
+        keywords.push_back(std::move(key));
+    }
+    appendWords(bytes, tags, tagByte);
+    appendWords(bytes, keywords, keywordByte);
+    bytes.push_back(endByte);
+  }
+};
+
+} // namespace
+
+/// One thing that a notlet's bytes must hold.
+struct FoldedArchive::Needle {
+  enum class Kind { Tag, Term, Phrase };
+
+  std::string bytes;
+  Kind kind;
+
+  /// Whether the needle's bytes, found at `position`, count: a tag is parted by its bytes already, in the
+  /// text whole characters count, among the words behind the text whole words.
+  [[nodiscard]] bool countsAt(const Page& page, std::size_t index, std::size_t position) const {
+    if (kind == Kind::Tag)
+      return true;
+    const std::size_t contentEnd = page.extents[index].contentEnd;
+    if (position >= contentEnd)
+      return kind == Kind::Term && isWordByte(page.bytes[position - 1]) &&
+             isWordByte(page.bytes[position + bytes.size()]);
+    const std::size_t begin = page.beginOf(index);
+    const std::string_view content = std::string_view(page.bytes).substr(begin, contentEnd - begin);
+    return standsOnWholeCharacters(content, position - begin, bytes.size());
+  }
+
+  [[nodiscard]] bool standsIn(const Page& page, std::size_t index) const {
+    const std::string_view searched = std::string_view(page.bytes).substr(0, page.extents[index].end);
+    std::size_t position = findBytes(searched, bytes, page.beginOf(index));
+    while (position != std::string_view::npos && !countsAt(page, index, position))
+      position = findBytes(searched, bytes, position + 1);
+    return position != std::string_view::npos;
+  }
+};
+
+/// A query as the needles to look for. The longest comes first: it is the one that pages are scanned for, and
+/// only what holds it is looked at for the others.
+class FoldedArchive::Search {
+ public:
+  explicit Search(const SearchQuery& query) {
+    for (const std::string& tag : query.tags)
+      m_needles.push_back({tagByte + tag + tagByte, Needle::Kind::Tag});
+    for (const std::string& term : query.terms)
+      m_needles.push_back({term, Needle::Kind::Term});
+    if (query.isPlainPhrase() && !query.matchesEverything())
+      m_needles.push_back({query.phrase, Needle::Kind::Phrase});
+    std::ranges::stable_sort(m_needles, std::ranges::greater{},
+                             [](const Needle& needle) { return needle.bytes.size(); });
+  }
+
+  [[nodiscard]] bool finds(const Page& page, std::size_t index) const {
+    return !page.isFree(index) &&
+           std::ranges::all_of(m_needles, [&](const Needle& needle) { return needle.standsIn(page, index); });
+  }
+
+  /// Calls `found` with each matching index of [first, last).
+  template<typename Found>
+  void scan(const Page& page, std::size_t first, std::size_t last, Found found) const {
+    if (m_needles.empty()) {
+      for (std::size_t index = first; index < last; ++index) {
+        if (!page.isFree(index))
+          found(index);
+      }
+      return;
+    }
+    const std::string& driver = m_needles.front().bytes;
+    const std::string_view searched = std::string_view(page.bytes).substr(0, page.extents[last - 1].end);
+    std::size_t index = first;
+    std::size_t position = findBytes(searched, driver, page.beginOf(first));
+    while (position != std::string_view::npos) {
+      index = page.indexAt(position, index);
+      if (finds(page, index))
+        found(index);
+      position = findBytes(searched, driver, page.extents[index].end);
+    }
+  }
+
+ private:
+  std::vector<Needle> m_needles;
+};
+
+std::size_t FoldedArchive::Page::beginOf(std::size_t index) const {
+  return index == 0 ? 0 : extents[index - 1].end;
+}
+
+/// The slot, not before `from`, whose bytes hold the position.
+std::size_t FoldedArchive::Page::indexAt(std::size_t position, std::size_t from) const {
+  const auto begin = extents.begin() + static_cast<std::ptrdiff_t>(from);
+  const auto found = std::ranges::upper_bound(begin, extents.end(), position, {}, &Extent::end);
+  return static_cast<std::size_t>(found - extents.begin());
+}
+
+void FoldedArchive::Page::put(std::size_t index, std::string_view newBytes, std::size_t contentLength) {
+  const std::size_t begin = beginOf(index);
+  const std::size_t oldEnd = extents[index].end;
+  bytes.replace(begin, oldEnd - begin, newBytes);
+  extents[index].contentEnd = begin + contentLength;
+  const std::size_t newEnd = begin + newBytes.size();
+  extents[index].end = newEnd;
+  for (std::size_t later = index + 1; later < extents.size(); ++later) {
+    extents[later].contentEnd = extents[later].contentEnd - oldEnd + newEnd;
+    extents[later].end = extents[later].end - oldEnd + newEnd;
+  }
+}
+
+FoldedArchive::Slot FoldedArchive::add(const NotletEntry& notlet) {
+  if (m_endSlot % slotsPerPage == 0) {
+    if (!m_pages.empty())
+      m_pages.back().bytes.shrink_to_fit();
+    m_pages.emplace_back().extents.reserve(slotsPerPage);
+  }
+  Page& page = m_pages.back();
+  const FoldedNotlet notletFolded(notlet);
+  page.extents.push_back({page.bytes.size(), page.bytes.size()});
+  page.put(page.extents.size() - 1, notletFolded.bytes, notletFolded.contentLength);
+  return m_endSlot++;
+}
+
+void FoldedArchive::replace(Slot slot, const NotletEntry& notlet) {
+  const FoldedNotlet notletFolded(notlet);
+  m_pages[slot / slotsPerPage].put(slot % slotsPerPage, notletFolded.bytes, notletFolded.contentLength);
+}
+
+void FoldedArchive::remove(Slot slot) {
+  m_pages[slot / slotsPerPage].put(slot % slotsPerPage, {}, 0);
+}
+
+void FoldedArchive::clear() {
+  m_pages.clear();
+  m_endSlot = 0;
+}
+
+std::size_t FoldedArchive::bytesHeld() const {
+  std::size_t sum = m_pages.capacity() * sizeof(Page);
+  for (const Page& page : m_pages)
+    sum += page.bytes.capacity() + page.extents.capacity() * sizeof(Extent);
+  return sum;
+}
+
+bool FoldedArchive::matches(Slot slot, const SearchQuery& query) const {
+  return slot < m_endSlot && Search(query).finds(m_pages[slot / slotsPerPage], slot % slotsPerPage);
+}
+
+std::vector<FoldedArchive::Slot> FoldedArchive::collect(const SearchQuery& query, Slot first,
+                                                        Slot last) const {
+  std::vector<Slot> found;
+  const Search search(query);
+  last = std::min(last, m_endSlot);
+  while (first < last) {
+    const Page& page = m_pages[first / slotsPerPage];
+    const auto pageBegin = static_cast<Slot>(first - first % slotsPerPage);
+    const Slot pageEnd = std::min<Slot>(last, pageBegin + slotsPerPage);
+    search.scan(page, first - pageBegin, pageEnd - pageBegin,
+                [&](std::size_t index) { found.push_back(pageBegin + static_cast<Slot>(index)); });
+    first = pageEnd;
+  }
+  return found;
+}
+
+} // namespace notlet

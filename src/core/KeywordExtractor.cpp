@@ -1,0 +1,101 @@
+#include "core/KeywordExtractor.h"
+
+#include <unicode/brkiter.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
+#include <algorithm>
+#include <memory>
+#include <unordered_set>
+
+#include "core/Text.h"
+
+namespace notlet::KeywordExtractor {
+
+namespace {
+
+constexpr std::size_t shortestKeyword = 3;
+
+/// Cutting words is the one rule that depends on the user's language; making the iterator loads dictionaries.
+icu::BreakIterator* wordIterator() {
+  UErrorCode status = U_ZERO_ERROR;
+  thread_local const std::unique_ptr<icu::BreakIterator> words(
+      icu::BreakIterator::createWordInstance(icu::Locale::getDefault(), status));
+  return words.get();
+}
+
+bool isLetterOrDigit(char32_t character) {
+  const auto value = static_cast<UChar32>(character);
+  return u_hasBinaryProperty(value, UCHAR_ALPHABETIC) != 0 ||
+         u_getIntPropertyValue(value, UCHAR_NUMERIC_TYPE) != U_NT_NONE;
+}
+
+bool holdsOnlyLettersAndDigits(std::string_view word) {
+  while (!word.empty()) {
+    const CodePoint next = firstCodePoint(word);
+    if (!isLetterOrDigit(next.value))
+      return false;
+    word.remove_prefix(next.length);
+  }
+  return true;
+}
+
+std::string lettersAndDigits(std::string word) {
+  if (holdsOnlyLettersAndDigits(word))
+    return word;
+  std::string kept;
+  for (const std::string_view character : graphemes(word)) {
+    if (isLetterOrDigit(firstCodePoint(character).value))
+      kept.append(character);
+  }
+  return kept;
+}
+
+/// Hands each token to `visit`, in the order of the text.
+template<typename Visit>
+void tokenize(std::string_view text, Visit visit) {
+  icu::BreakIterator* words = wordIterator();
+  if (words == nullptr)
+    return;
+  icu::UnicodeString wide = icu::UnicodeString::fromUTF8({text.data(), static_cast<int32_t>(text.size())});
+  wide.findAndReplace(icu::UnicodeString(u'#'), icu::UnicodeString(u' '));
+  words->setText(wide);
+  int32_t begin = words->first();
+  for (int32_t end = words->next(); end != icu::BreakIterator::DONE; end = words->next()) {
+    if (words->getRuleStatus() >= UBRK_WORD_NONE_LIMIT) {
+      std::string word;
+      const std::string token = lettersAndDigits(wide.tempSubStringBetween(begin, end).toUTF8String(word));
+      if (!token.empty())
+        visit(token);
+    }
+    begin = end;
+  }
+}
+
+} // namespace
+
+WordList extractKeywords(std::string_view text, const StopWords& stopWords) {
+  WordList keywords;
+  std::unordered_set<std::string> seen;
+  tokenize(text, [&](const std::string& token) {
+    std::string key = folded(token);
+    if (stopWords.contains(key) || graphemeCount(key) < shortestKeyword)
+      return;
+    if (seen.insert(std::move(key)).second)
+      keywords.append(token);
+  });
+  return keywords;
+}
+
+std::vector<std::string> extractSearchTerms(std::string_view text, const StopWords& stopWords) {
+  std::vector<std::string> terms;
+  std::unordered_set<std::string> seen;
+  tokenize(text, [&](const std::string& token) {
+    std::string key = folded(token);
+    if (!stopWords.contains(key) && seen.insert(key).second)
+      terms.push_back(std::move(key));
+  });
+  return terms;
+}
+
+} // namespace notlet::KeywordExtractor

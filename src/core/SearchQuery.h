@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/StopWords.h"
+
+namespace notlet {
+
+/// A search text read once, to be held against many notlets. All parts are folded. Without tags and terms the
+/// phrase itself is looked for; an empty phrase then matches everything.
+struct SearchQuery {
+  /// The whole query, trimmed.
+  std::string phrase;
+  /// Each must equal a hashtag of the notlet.
+  std::vector<std::string> tags;
+  /// Each must stand in the text, or equal a hashtag or keyword.
+  std::vector<std::string> terms;
+
+  [[nodiscard]] static SearchQuery parse(std::string_view text,
+                                         const StopWords& stopWords = StopWords::set());
+
+  [[nodiscard]] bool matchesEverything() const { return phrase.empty(); }
+  [[nodiscard]] bool isPlainPhrase() const { return tags.empty() && terms.empty(); }
+
+  bool operator==(const SearchQuery&) const = default;
+};
+
+} // namespace notlet
