@@ -1,0 +1,330 @@
+#include "storage/ModelContext.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace notlet {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t firstPage = 200;
+constexpr std::size_t largestPage = 4096;
+/// Putting the notlets of a slice into the list takes about as long again.
+constexpr auto sliceReading = 1500us;
+constexpr auto busyPause = 100ms;
+constexpr std::size_t changesAtOnce = 500;
+
+} // namespace
+
+ModelContext::ModelContext(std::unique_ptr<NotletDatabase> database, QObject* parent)
+    : QObject(parent), m_database(std::move(database)), m_watch(m_database->file()) {
+  for (QTimer* timer : {&m_loadTimer, &m_followTimer})
+    timer->setSingleShot(true);
+  connect(&m_loadTimer, &QTimer::timeout, this, &ModelContext::loadSlice);
+  connect(&m_followTimer, &QTimer::timeout, this, &ModelContext::followStore);
+  connect(&m_watch, &StoreWatch::touched, this, &ModelContext::followStore);
+  loadSlice();
+  // From now on the event loop waits for nobody.
+  m_database->setReadPatience(0ms);
+}
+
+void ModelContext::insert(NotletEntry entry) {
+  if (find(entry.id))
+    return replace(std::move(entry));
+  const Uuid id = entry.id;
+  rememberStored(id);
+  place(std::move(entry));
+  forgetUnchanged(id);
+}
+
+void ModelContext::replace(NotletEntry entry) {
+  const Uuid id = entry.id;
+  if (!find(id))
+    return;
+  rememberStored(id);
+  assign(std::move(entry));
+  forgetUnchanged(id);
+}
+
+void ModelContext::remove(const Uuid& id) {
+  if (!find(id))
+    return;
+  // The identifier may be that of the notlet which goes away.
+  const Uuid copy = id;
+  rememberStored(copy);
+  drop(copy);
+  forgetUnchanged(copy);
+}
+
+Result<void> ModelContext::save() {
+  if (m_failure && m_failure->kind == StoreError::Kind::Damaged)
+    return std::unexpected(static_cast<const Error&>(*m_failure));
+  ChangeSet changes;
+  for (const auto& [id, stored] : m_stored) {
+    if (const NotletEntry* entry = find(id))
+      changes.upserts.push_back(entry);
+    else
+      changes.deletions.push_back(id);
+  }
+  if (changes.upserts.empty() && changes.deletions.empty())
+    return {};
+
+  const StoreResult<std::int64_t> revisionBefore = m_database->apply(changes);
+  if (!revisionBefore) {
+    // Whatever happened to the disk, the list is to show what is in the store.
+    m_seenVersion.reset();
+    m_followTimer.start(busyPause);
+    if (revisionBefore.error().kind == StoreError::Kind::Damaged)
+      fail(revisionBefore.error());
+    return std::unexpected(static_cast<const Error&>(revisionBefore.error()));
+  }
+  m_stored.clear();
+  // Our own rows need not be read again, unless others wrote before them.
+  if (*revisionBefore == m_seenRevision)
+    m_seenRevision += static_cast<std::int64_t>(changes.upserts.size());
+  return {};
+}
+
+void ModelContext::rollback() {
+  for (auto& [id, stored] : std::exchange(m_stored, {})) {
+    if (!stored)
+      drop(id);
+    else if (find(id))
+      assign(std::move(*stored));
+    else
+      place(std::move(*stored));
+  }
+}
+
+void ModelContext::rememberStored(const Uuid& id) {
+  if (m_stored.contains(id))
+    return;
+  const NotletEntry* entry = find(id);
+  m_stored.emplace(id, entry ? std::optional(*entry) : std::nullopt);
+}
+
+void ModelContext::forgetUnchanged(const Uuid& id) {
+  const auto stored = m_stored.find(id);
+  if (stored == m_stored.end())
+    return;
+  const NotletEntry* entry = find(id);
+  if (entry ? stored->second == *entry : !stored->second)
+    m_stored.erase(stored);
+}
+
+void ModelContext::place(NotletEntry entry) {
+  m_tallies.add(entry);
+  const std::size_t index = m_list.insert(std::move(entry));
+  Q_EMIT listChanged({ListChange::Kind::Inserted, index, 1});
+}
+
+void ModelContext::assign(NotletEntry entry) {
+  const Uuid id = entry.id;
+  if (find(id)->createdAt != entry.createdAt) {
+    drop(id);
+    return place(std::move(entry));
+  }
+  m_tallies.add(entry);
+  m_tallies.remove(m_list.replace(std::move(entry)));
+  Q_EMIT listChanged({ListChange::Kind::Updated, *indexOf(id), 1});
+}
+
+void ModelContext::drop(const Uuid& id) {
+  const std::optional<std::size_t> index = indexOf(id);
+  if (!index)
+    return;
+  m_tallies.remove(m_list.take(id));
+  Q_EMIT listChanged({ListChange::Kind::Removed, *index, 1});
+}
+
+/// Takes in what the store holds. Neighbours are announced together, each group before the next comes in.
+void ModelContext::adopt(std::vector<NotletEntry> newestFirst, ListChange::Kind kindAtEnd) {
+  ListChange group{ListChange::Kind::Inserted, 0, 0};
+  const auto announce = [&] {
+    if (group.count == 0)
+      return;
+    const bool isAtEnd = group.first + group.count == size();
+    group.kind = isAtEnd ? kindAtEnd : ListChange::Kind::Inserted;
+    Q_EMIT listChanged(std::exchange(group, {}));
+  };
+  for (NotletEntry& entry : newestFirst) {
+    if (const auto unsaved = m_stored.find(entry.id); unsaved != m_stored.end()) {
+      unsaved->second = std::move(entry);
+      continue;
+    }
+    if (const NotletEntry* known = find(entry.id)) {
+      announce();
+      if (*known != entry)
+        assign(std::move(entry));
+      continue;
+    }
+    const std::size_t index = m_list.placeOf(entry);
+    if (group.count == 0 || index != group.first + group.count) {
+      announce();
+      group.first = m_list.placeOf(entry);
+    }
+    m_tallies.add(entry);
+    m_list.insert(std::move(entry));
+    ++group.count;
+  }
+  announce();
+}
+
+StoreResult<void> ModelContext::beginLoading() {
+  // Noted before the first page: what is written after this is found as a change.
+  const StoreResult<std::int64_t> version = m_database->dataVersion();
+  const StoreResult<std::int64_t> revision = m_database->lastRevision();
+  const StoreResult<std::size_t> estimate = m_database->estimatedCount();
+  for (const StoreError* error :
+       {version ? nullptr : &version.error(), revision ? nullptr : &revision.error(),
+        estimate ? nullptr : &estimate.error()}) {
+    if (error)
+      return std::unexpected(*error);
+  }
+  m_seenVersion = *version;
+  m_seenRevision = *revision;
+  // Growing the table of a million notlets would take longer than a slice may.
+  m_list.reserve(*estimate);
+  m_hasBegun = true;
+  return {};
+}
+
+void ModelContext::loadSlice() {
+  if (!m_hasBegun) {
+    if (const StoreResult<void> begun = beginLoading(); !begun)
+      return handle(begun.error(), m_loadTimer);
+  }
+  const bool isFirst = !m_loadedUpTo;
+  StoreResult<std::vector<NotletEntry>> page =
+      m_database->newest(isFirst ? firstPage : largestPage, m_loadedUpTo,
+                         isFirst ? Clock::time_point::max() : Clock::now() + sliceReading);
+  if (!page)
+    return handle(page.error(), m_loadTimer);
+  if (page->empty() || (isFirst && page->size() < firstPage))
+    m_isComplete = true;
+  if (!page->empty()) {
+    m_loadedUpTo = ListPosition{page->back().createdAt, page->back().id};
+    adopt(std::move(*page), ListChange::Kind::Appended);
+  }
+  if (m_isComplete)
+    finishLoading();
+  else
+    m_loadTimer.start(0);
+}
+
+void ModelContext::finishLoading() {
+  Q_EMIT loadingFinished();
+  if (m_mayMissDeletions)
+    m_followTimer.start(0);
+}
+
+void ModelContext::followStore() {
+  if (!m_hasBegun || m_failure)
+    return;
+  const StoreResult<std::int64_t> version = m_database->dataVersion();
+  if (!version)
+    return handle(version.error(), m_followTimer);
+  if (m_seenVersion != *version) {
+    m_mayMissDeletions = true;
+    if (const StoreResult<void> followed = followChanges(); !followed)
+      return handle(followed.error(), m_followTimer);
+    if (m_followTimer.isActive())
+      return;
+    m_seenVersion = *version;
+  }
+  // Until all are loaded, which are gone cannot be told from their number.
+  if (!m_mayMissDeletions || !m_isComplete)
+    return;
+  if (const StoreResult<void> followed = followDeletions(); !followed)
+    return handle(followed.error(), m_followTimer);
+  m_mayMissDeletions = false;
+}
+
+StoreResult<void> ModelContext::followChanges() {
+  StoreResult<std::vector<StoredNotlet>> changed = m_database->changedSince(m_seenRevision, changesAtOnce);
+  if (!changed)
+    return std::unexpected(changed.error());
+  if (changed->empty())
+    return {};
+  m_seenRevision = changed->back().revision;
+  if (changed->size() == changesAtOnce)
+    m_followTimer.start(0);
+  std::vector<NotletEntry> entries;
+  for (StoredNotlet& stored : *changed) {
+    if (!isYetToBeLoaded(stored.entry))
+      entries.push_back(std::move(stored.entry));
+  }
+  std::ranges::sort(entries, listedBefore);
+  adopt(std::move(entries), ListChange::Kind::Inserted);
+  return {};
+}
+
+bool ModelContext::isYetToBeLoaded(const NotletEntry& entry) const {
+  if (m_isComplete || find(entry.id) || m_stored.contains(entry.id))
+    return false;
+  if (!m_loadedUpTo)
+    return true;
+  NotletEntry last;
+  last.createdAt = m_loadedUpTo->createdAt;
+  last.id = m_loadedUpTo->id;
+  return listedBefore(last, entry);
+}
+
+std::size_t ModelContext::storedCount() const {
+  std::size_t count = size();
+  for (const auto& [id, stored] : m_stored) {
+    if (stored && !find(id))
+      ++count;
+    else if (!stored && find(id))
+      --count;
+  }
+  return count;
+}
+
+StoreResult<void> ModelContext::followDeletions() {
+  const StoreResult<std::size_t> count = m_database->count();
+  if (!count)
+    return std::unexpected(count.error());
+  if (*count == storedCount())
+    return {};
+  const StoreResult<std::vector<Uuid>> ids = m_database->allIds();
+  if (!ids)
+    return std::unexpected(ids.error());
+  const auto isGone = [&](const Uuid& id) { return !std::ranges::binary_search(*ids, id); };
+  std::vector<Uuid> gone;
+  for (std::size_t index = 0; index < size(); ++index) {
+    const Uuid& id = at(index).id;
+    if (!m_stored.contains(id) && isGone(id))
+      gone.push_back(id);
+  }
+  for (const Uuid& id : gone)
+    drop(id);
+  for (auto& [id, stored] : m_stored) {
+    if (stored && isGone(id))
+      stored.reset();
+  }
+  std::erase_if(m_stored, [&](const auto& unsaved) { return !unsaved.second && !find(unsaved.first); });
+  return {};
+}
+
+void ModelContext::handle(const StoreError& error, QTimer& retry) {
+  if (error.kind == StoreError::Kind::Busy)
+    retry.start(busyPause);
+  else
+    fail(error);
+}
+
+void ModelContext::fail(const StoreError& error) {
+  if (m_failure)
+    return;
+  m_failure = error;
+  m_loadTimer.stop();
+  m_followTimer.stop();
+  // Whoever listens may not have been there yet when the first page could not be read.
+  QMetaObject::invokeMethod(
+      this, [this] { Q_EMIT storeFailed(QString::fromStdString(m_failure->message)); }, Qt::QueuedConnection);
+}
+
+} // namespace notlet

@@ -1,0 +1,109 @@
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+
+#include "core/Error.h"
+#include "core/HashtagTallies.h"
+#include "storage/NotletDatabase.h"
+#include "storage/NotletList.h"
+#include "storage/StoreWatch.h"
+
+namespace notlet {
+
+/// A change of the live list that has just happened to `count` neighbours from index `first` on. The index of
+/// removed ones is that before the removal. Appended ones were in the store and are known now.
+struct ListChange {
+  enum class Kind { Inserted, Removed, Updated, Appended, Reset };
+
+  Kind kind = Kind::Reset;
+  std::size_t first = 0;
+  std::size_t count = 0;
+
+  bool operator==(const ListChange&) const = default;
+};
+
+/// The live list of all notlets, newest first, with the changes that are not saved yet.
+///
+/// The newest notlets are there at once; the others follow in short slices while the event loop runs. What
+/// another process writes appears by itself. Where both have changed a notlet, the unsaved change stands.
+class ModelContext : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit ModelContext(std::unique_ptr<NotletDatabase> database, QObject* parent = nullptr);
+
+  [[nodiscard]] std::size_t size() const { return m_list.size(); }
+  /// Index 0 is the newest. The notlet stays at its address until it is removed.
+  [[nodiscard]] const NotletEntry& at(std::size_t index) const { return m_list.at(index); }
+  [[nodiscard]] const NotletEntry* find(const Uuid& id) const { return m_list.find(id); }
+  [[nodiscard]] std::optional<std::size_t> indexOf(const Uuid& id) const { return m_list.indexOf(id); }
+  /// Whether all notlets of the store have been loaded.
+  [[nodiscard]] bool isComplete() const { return m_isComplete; }
+  /// The hashtags of the notlets in the list.
+  [[nodiscard]] const HashtagTallies& tallies() const { return m_tallies; }
+  [[nodiscard]] bool hasUnsavedChanges() const { return !m_stored.empty(); }
+  /// Why the store cannot be read any further, if that is so.
+  [[nodiscard]] const std::optional<StoreError>& failure() const { return m_failure; }
+
+  /// Adds a notlet, or replaces the one with its identifier.
+  void insert(NotletEntry entry);
+  /// Gives the notlet with this identifier its new fields; nothing happens when there is none.
+  void replace(NotletEntry entry);
+  void remove(const Uuid& id);
+
+  /// Stores all unsaved changes, or none and says why; they then stay unsaved, and a later try does not store
+  /// anything twice.
+  [[nodiscard]] Result<void> save();
+  /// Gives up all unsaved changes.
+  void rollback();
+
+ Q_SIGNALS:
+  void listChanged(const notlet::ListChange& change);
+  /// The list is complete from now on.
+  void loadingFinished();
+  /// The store cannot be read any further. What is in the list stays, but may not be all there is.
+  void storeFailed(const QString& message);
+
+ private:
+  StoreResult<void> beginLoading();
+  void loadSlice();
+  void finishLoading();
+  void followStore();
+  StoreResult<void> followChanges();
+  StoreResult<void> followDeletions();
+  void handle(const StoreError& error, QTimer& retry);
+  void fail(const StoreError& error);
+
+  void rememberStored(const Uuid& id);
+  void forgetUnchanged(const Uuid& id);
+  [[nodiscard]] std::size_t storedCount() const;
+  [[nodiscard]] bool isYetToBeLoaded(const NotletEntry& entry) const;
+  void adopt(std::vector<NotletEntry> newestFirst, ListChange::Kind kindAtEnd);
+  void place(NotletEntry entry);
+  void assign(NotletEntry entry);
+  void drop(const Uuid& id);
+
+  std::unique_ptr<NotletDatabase> m_database;
+  NotletList m_list;
+  HashtagTallies m_tallies;
+  // What the store holds in place of each notlet with an unsaved change; nothing for a new one.
+  std::unordered_map<Uuid, std::optional<NotletEntry>> m_stored;
+
+  std::optional<ListPosition> m_loadedUpTo;
+  bool m_hasBegun = false;
+  bool m_isComplete = false;
+  std::int64_t m_seenRevision = 0;
+  std::optional<std::int64_t> m_seenVersion;
+  bool m_mayMissDeletions = false;
+  std::optional<StoreError> m_failure;
+
+  StoreWatch m_watch;
+  QTimer m_loadTimer;
+  QTimer m_followTimer;
+};
+
+} // namespace notlet

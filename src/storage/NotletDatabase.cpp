@@ -1,0 +1,448 @@
+#include "storage/NotletDatabase.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <sqlite3.h>
+
+#include "platform/DurableFile.h"
+#include "storage/StoreFile.h"
+
+namespace notlet {
+namespace {
+
+using Kind = StoreError::Kind;
+
+constexpr std::chrono::milliseconds savePatience{250};
+/// Small stores are checked as a whole on opening, which takes a few milliseconds at most.
+constexpr std::int64_t fullyCheckedSize = 1 << 20;
+
+// A row that is written again gets a new revision, which is how another process finds what has changed.
+constexpr const char* tableSql = "CREATE TABLE NotletEntry ("
+                                 "revision INTEGER PRIMARY KEY AUTOINCREMENT, "
+                                 "id BLOB NOT NULL UNIQUE CHECK (length(id) = 16), "
+                                 "content TEXT NOT NULL, "
+                                 "createdAt INTEGER NOT NULL, "
+                                 "updatedAt INTEGER, "
+                                 "hashtags TEXT NOT NULL, "
+                                 "keywords TEXT NOT NULL) STRICT";
+constexpr const char* indexSql = "CREATE INDEX NotletEntryByCreation ON NotletEntry (createdAt, id)";
+
+#define NOTLET_COLUMNS "id, content, createdAt, updatedAt, hashtags, keywords"
+
+std::string_view bytesOf(const Uuid& id) {
+  return {reinterpret_cast<const char*>(id.bytes.data()), id.bytes.size()};
+}
+
+std::int64_t microseconds(Timestamp time) {
+  return time.time_since_epoch().count();
+}
+Timestamp timestamp(std::int64_t microseconds) {
+  return Timestamp(std::chrono::microseconds(microseconds));
+}
+
+void bindEntry(SqliteStatement& statement, const NotletEntry& entry) {
+  statement.bindBytes(1, bytesOf(entry.id));
+  statement.bindText(2, entry.content);
+  statement.bind(3, microseconds(entry.createdAt));
+  if (entry.updatedAt)
+    statement.bind(4, microseconds(*entry.updatedAt));
+  else
+    statement.bindNull(4);
+  statement.bindText(5, entry.hashtags.packed());
+  statement.bindText(6, entry.keywords.packed());
+}
+
+// The readers of rows give nothing for one that cannot be what it should.
+
+std::optional<Uuid> readId(const SqliteStatement& statement) {
+  const std::string_view bytes = statement.bytes(0);
+  Uuid id;
+  if (bytes.size() != id.bytes.size())
+    return std::nullopt;
+  std::memcpy(id.bytes.data(), bytes.data(), bytes.size());
+  return id;
+}
+
+std::optional<NotletEntry> readEntry(const SqliteStatement& statement) {
+  const std::optional<Uuid> id = readId(statement);
+  if (!id)
+    return std::nullopt;
+  NotletEntry entry;
+  entry.id = *id;
+  entry.content = statement.text(1);
+  entry.createdAt = timestamp(statement.integer(2));
+  if (!statement.isNull(3))
+    entry.updatedAt = timestamp(statement.integer(3));
+  entry.hashtags = WordList::fromPacked(std::string(statement.text(4)));
+  entry.keywords = WordList::fromPacked(std::string(statement.text(5)));
+  return entry;
+}
+
+std::optional<StoredNotlet> readStored(const SqliteStatement& statement) {
+  std::optional<NotletEntry> entry = readEntry(statement);
+  if (!entry)
+    return std::nullopt;
+  return StoredNotlet{statement.integer(6), std::move(*entry)};
+}
+
+std::optional<std::int64_t> readInteger(const SqliteStatement& statement) {
+  return statement.integer(0);
+}
+
+/// The bytes of a store without notlets.
+StoreResult<std::string> emptyStore() {
+  StoreResult<SqliteConnection> memory =
+      SqliteConnection::open(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+  if (!memory)
+    return std::unexpected(memory.error());
+  const std::string sql = "PRAGMA application_id=" + std::to_string(storeApplicationId) +
+                          "; PRAGMA user_version=" + std::to_string(storeFormat) + "; BEGIN; " + tableSql +
+                          "; " + indexSql + "; COMMIT";
+  if (StoreResult<void> made = memory->execute(sql.c_str()); !made)
+    return std::unexpected(made.error());
+  sqlite3_int64 size = 0;
+  const std::unique_ptr<unsigned char, decltype(&sqlite3_free)> bytes(
+      sqlite3_serialize(memory->handle(), "main", &size, 0), &sqlite3_free);
+  if (!bytes)
+    return std::unexpected(memory->lastError());
+  return std::string(reinterpret_cast<const char*>(bytes.get()), static_cast<std::size_t>(size));
+}
+
+/// Several processes may do this at once: one of them creates the file, all open it.
+StoreResult<void> createStore(const std::filesystem::path& file) {
+  const StoreResult<std::string> contents = emptyStore();
+  if (!contents)
+    return std::unexpected(contents.error());
+  std::error_code ignored;
+  if (const std::filesystem::path folder = file.parent_path();
+      !folder.empty() && !std::filesystem::exists(folder, ignored)) {
+    if (Result<void> made = makePrivateDirectory(folder); !made)
+      return std::unexpected(StoreError(Kind::Other, made.error().message));
+  }
+  if (Result<bool> created = createDurably(file, *contents); !created)
+    return std::unexpected(StoreError(Kind::Other, created.error().message));
+  return {};
+}
+
+} // namespace
+
+StoreResult<std::unique_ptr<NotletDatabase>> NotletDatabase::open(const std::filesystem::path& file,
+                                                                  Access access) {
+  StoreResult<bool> exists = storeFileExists(file, access);
+  if (exists && !*exists && access == Access::ReadWrite) {
+    if (StoreResult<void> created = createStore(file); !created)
+      return std::unexpected(created.error());
+    exists = storeFileExists(file, access);
+  }
+  if (!exists)
+    return std::unexpected(exists.error());
+  if (!*exists)
+    return std::unexpected(
+        StoreError(Kind::Missing, "The notlet store “" + file.string() + "” does not exist yet."));
+
+  const int flags = access == Access::ReadWrite ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY;
+  StoreResult<SqliteConnection> connection = SqliteConnection::open(file, flags);
+  if (!connection)
+    return std::unexpected(connection.error());
+  if (StoreResult<void> header = checkStoreHeader(*connection); !header)
+    return std::unexpected(header.error());
+  std::unique_ptr<NotletDatabase> database(new NotletDatabase(std::move(*connection), access));
+  for (const auto check : {&NotletDatabase::prepareConnection, &NotletDatabase::checkSchema,
+                           &NotletDatabase::checkSize, &NotletDatabase::checkPages}) {
+    if (StoreResult<void> passed = (database.get()->*check)(); !passed)
+      return std::unexpected(passed.error());
+  }
+  return database;
+}
+
+StoreResult<void> NotletDatabase::prepareConnection() {
+  m_connection.setPatience(savePatience);
+  sqlite3* handle = m_connection.handle();
+  if (m_access == Access::ReadWrite && sqlite3_db_readonly(handle, "main") != 0)
+    return std::unexpected(m_connection.error(Kind::Other, "is read-only"));
+  if (m_access == Access::ReadWrite) {
+    if (StoreResult<void> made = makeStorePrivate(file()); !made)
+      return made;
+  }
+  for (const auto& [option, value] :
+       {std::pair{SQLITE_DBCONFIG_DEFENSIVE, 1}, std::pair{SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0},
+        std::pair{SQLITE_DBCONFIG_ENABLE_TRIGGER, 0}, std::pair{SQLITE_DBCONFIG_ENABLE_VIEW, 0}}) {
+    if (sqlite3_db_config(handle, option, value, nullptr) != SQLITE_OK)
+      return std::unexpected(m_connection.lastError());
+  }
+  return m_connection.execute(
+      "PRAGMA cell_size_check=ON; PRAGMA journal_mode=TRUNCATE; PRAGMA synchronous=FULL");
+}
+
+StoreResult<void> NotletDatabase::checkSchema() {
+  StoreResult<SqliteStatement> statement =
+      SqliteStatement::prepare(m_connection, "SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL "
+                                             "AND name <> 'sqlite_sequence' ORDER BY type DESC, name");
+  if (!statement)
+    return std::unexpected(statement.error());
+  std::vector<std::string> found;
+  for (;;) {
+    const StoreResult<bool> row = statement->step();
+    if (!row)
+      return std::unexpected(row.error());
+    if (!*row)
+      break;
+    found.emplace_back(statement->text(0));
+  }
+  if (found != std::vector<std::string>{tableSql, indexSql})
+    return std::unexpected(
+        m_connection.error(Kind::Damaged, "is damaged: its tables are not those of notlets"));
+  return {};
+}
+
+StoreResult<void> NotletDatabase::checkSize() {
+  const StoreResult<std::int64_t> size = storeFileSize(m_connection);
+  if (!size)
+    return std::unexpected(size.error());
+  const StoreResult<std::int64_t> expected =
+      readNumber("SELECT page_count * page_size FROM pragma_page_count, pragma_page_size");
+  if (!expected)
+    return std::unexpected(expected.error());
+  // Another process may have made the file longer between the two looks at it, never shorter.
+  const StoreResult<std::int64_t> sizeAfterwards = storeFileSize(m_connection);
+  if (*expected > *size && (!sizeAfterwards || *expected > *sizeAfterwards))
+    return std::unexpected(m_connection.error(Kind::Damaged, "is damaged: its end is missing"));
+  return {};
+}
+
+StoreResult<void> NotletDatabase::checkPages() {
+  if (const StoreResult<std::int64_t> size = storeFileSize(m_connection); !size || *size > fullyCheckedSize)
+    return {};
+  StoreResult<SqliteStatement> statement = SqliteStatement::prepare(m_connection, "PRAGMA quick_check(1)");
+  if (!statement)
+    return std::unexpected(statement.error());
+  const StoreResult<bool> row = statement->step();
+  if (!row)
+    return std::unexpected(row.error());
+  if (!*row || statement->text(0) != "ok")
+    return std::unexpected(
+        m_connection.error(Kind::Damaged, "is damaged: " + std::string(statement->text(0))));
+  return {};
+}
+
+StoreResult<std::int64_t> NotletDatabase::apply(const ChangeSet& changes) {
+  if (m_access == Access::ReadOnly)
+    return std::unexpected(m_connection.error(Kind::Other, "was opened for reading only"));
+  if (m_isDamaged)
+    return std::unexpected(m_connection.error(Kind::Damaged, "is damaged and is not written any more"));
+  if (!m_connection.isInPlace())
+    return std::unexpected(
+        m_connection.error(Kind::Moved, "was moved, replaced or deleted while it was open"));
+
+  m_connection.setPatience(savePatience);
+  bool commitWasTried = false;
+  StoreResult<std::int64_t> written = write(changes, commitWasTried);
+  if (!written && commitWasTried && written.error().kind != Kind::Busy) {
+    // A commit can fail after the point of no return. What is in the store then was not certainly synced, and
+    // writing the same rows once more makes it so.
+    const StoreResult<bool> isStored = holds(changes);
+    if (isStored && *isStored)
+      written = write(changes, commitWasTried);
+  }
+  m_connection.setPatience(m_readPatience);
+  if (!written)
+    noticed(written.error());
+  return written;
+}
+
+StoreResult<std::int64_t> NotletDatabase::write(const ChangeSet& changes, bool& commitWasTried) {
+  if (StoreResult<void> begun = m_connection.execute("BEGIN IMMEDIATE"); !begun)
+    return std::unexpected(begun.error());
+  StoreResult<std::int64_t> revisionBefore = lastRevision();
+  StoreResult<void> written = revisionBefore ? writeRows(changes) : std::unexpected(revisionBefore.error());
+  if (written) {
+    commitWasTried = true;
+    written = m_connection.execute("COMMIT");
+  }
+  if (written)
+    return revisionBefore;
+  // Most failures have ended the transaction already. One that cannot be ended leaves its journal behind,
+  // which the next access plays back.
+  if (m_connection.isInTransaction())
+    std::ignore = m_connection.execute("ROLLBACK");
+  return std::unexpected(written.error());
+}
+
+StoreResult<void> NotletDatabase::writeRows(const ChangeSet& changes) {
+  StoreResult<SqliteStatement> upsert = SqliteStatement::prepare(
+      m_connection, "INSERT OR REPLACE INTO NotletEntry (" NOTLET_COLUMNS ") VALUES (?, ?, ?, ?, ?, ?)");
+  StoreResult<SqliteStatement> deletion =
+      SqliteStatement::prepare(m_connection, "DELETE FROM NotletEntry WHERE id = ?");
+  if (!upsert || !deletion)
+    return std::unexpected(upsert ? deletion.error() : upsert.error());
+  for (const NotletEntry* entry : changes.upserts) {
+    bindEntry(*upsert, *entry);
+    if (StoreResult<bool> done = upsert->step(); !done)
+      return std::unexpected(done.error());
+  }
+  for (const Uuid& id : changes.deletions) {
+    deletion->bindBytes(1, bytesOf(id));
+    if (StoreResult<bool> done = deletion->step(); !done)
+      return std::unexpected(done.error());
+  }
+  return {};
+}
+
+/// Whether the store is as the changes want it.
+StoreResult<bool> NotletDatabase::holds(const ChangeSet& changes) {
+  for (const NotletEntry* entry : changes.upserts) {
+    const StoreResult<std::optional<NotletEntry>> stored = find(entry->id);
+    if (!stored)
+      return std::unexpected(stored.error());
+    if (*stored != *entry)
+      return false;
+  }
+  for (const Uuid& id : changes.deletions) {
+    const StoreResult<std::optional<NotletEntry>> stored = find(id);
+    if (!stored)
+      return std::unexpected(stored.error());
+    if (stored->has_value())
+      return false;
+  }
+  return true;
+}
+
+template<typename Row>
+StoreResult<std::vector<Row>> NotletDatabase::rows(const char* sql,
+                                                   const std::function<void(SqliteStatement&)>& bind,
+                                                   std::optional<Row> (*read)(const SqliteStatement&),
+                                                   std::chrono::steady_clock::time_point deadline) {
+  StoreResult<SqliteStatement> statement = SqliteStatement::prepare(m_connection, sql);
+  if (!statement)
+    return std::unexpected(noticed(statement.error()));
+  if (bind)
+    bind(*statement);
+  std::vector<Row> found;
+  for (;;) {
+    const StoreResult<bool> row = statement->step();
+    if (!row)
+      return std::unexpected(noticed(row.error()));
+    if (!*row)
+      return found;
+    std::optional<Row> value = read(*statement);
+    if (!value)
+      return std::unexpected(
+          noticed(m_connection.error(Kind::Damaged, "is damaged: it holds a row that is not a notlet")));
+    found.push_back(std::move(*value));
+    // Asking for the time is cheap, yet not as cheap as a row.
+    if (found.size() % 16 == 0 && std::chrono::steady_clock::now() >= deadline)
+      return found;
+  }
+}
+
+StoreResult<std::vector<NotletEntry>> NotletDatabase::newest(std::size_t limit,
+                                                             std::optional<ListPosition> after,
+                                                             std::chrono::steady_clock::time_point deadline) {
+  const char* sql = after ? "SELECT " NOTLET_COLUMNS " FROM NotletEntry WHERE (createdAt, id) < (?2, ?3) "
+                            "ORDER BY createdAt DESC, id DESC LIMIT ?1"
+                          : "SELECT " NOTLET_COLUMNS
+                            " FROM NotletEntry ORDER BY createdAt DESC, id DESC LIMIT ?1";
+  const auto bind = [&](SqliteStatement& statement) {
+    statement.bind(1, static_cast<std::int64_t>(limit));
+    if (after) {
+      statement.bind(2, microseconds(after->createdAt));
+      statement.bindBytes(3, bytesOf(after->id));
+    }
+  };
+  return rows<NotletEntry>(sql, bind, readEntry, deadline);
+}
+
+StoreResult<std::optional<NotletEntry>> NotletDatabase::find(const Uuid& id) {
+  StoreResult<std::vector<NotletEntry>> found = rows<NotletEntry>(
+      "SELECT " NOTLET_COLUMNS " FROM NotletEntry WHERE id = ?",
+      [&](SqliteStatement& statement) { statement.bindBytes(1, bytesOf(id)); }, readEntry);
+  if (!found)
+    return std::unexpected(found.error());
+  if (found->empty())
+    return std::nullopt;
+  return std::move(found->front());
+}
+
+StoreResult<std::vector<StoredNotlet>> NotletDatabase::changedSince(std::int64_t revision,
+                                                                    std::size_t limit) {
+  const auto bind = [&](SqliteStatement& statement) {
+    statement.bind(1, revision);
+    statement.bind(2, static_cast<std::int64_t>(limit));
+  };
+  return rows<StoredNotlet>("SELECT " NOTLET_COLUMNS ", revision FROM NotletEntry WHERE revision > ? "
+                            "ORDER BY revision LIMIT ?",
+                            bind, readStored);
+}
+
+StoreResult<std::vector<Uuid>> NotletDatabase::allIds() {
+  return rows<Uuid>("SELECT id FROM NotletEntry ORDER BY id", nullptr, readId);
+}
+
+StoreResult<std::vector<Uuid>> NotletDatabase::idsBeginningWith(std::string_view prefix) {
+  std::string digits;
+  std::ranges::copy_if(prefix, std::back_inserter(digits), [](char character) { return character != '-'; });
+  constexpr std::size_t digitCount = 32;
+  const auto isDigit = [](char character) {
+    return std::isxdigit(static_cast<unsigned char>(character)) != 0;
+  };
+  if (digits.size() > digitCount || !std::ranges::all_of(digits, isDigit))
+    return std::vector<Uuid>();
+  const auto filledWith = [&](char filler) {
+    std::string text = digits + std::string(digitCount - digits.size(), filler);
+    for (const std::size_t hyphen : {8U, 13U, 18U, 23U})
+      text.insert(hyphen, 1, '-');
+    return Uuid::parse(text).value_or(Uuid());
+  };
+  const Uuid first = filledWith('0');
+  const Uuid last = filledWith('f');
+  const auto bind = [&](SqliteStatement& statement) {
+    statement.bindBytes(1, bytesOf(first));
+    statement.bindBytes(2, bytesOf(last));
+  };
+  return rows<Uuid>("SELECT id FROM NotletEntry WHERE id BETWEEN ? AND ? ORDER BY id", bind, readId);
+}
+
+StoreResult<std::int64_t> NotletDatabase::readNumber(const char* sql) {
+  const StoreResult<std::vector<std::int64_t>> found = rows<std::int64_t>(sql, nullptr, readInteger);
+  if (!found)
+    return std::unexpected(found.error());
+  return found->empty() ? 0 : found->front();
+}
+
+StoreResult<std::size_t> NotletDatabase::readSize(const char* sql) {
+  const StoreResult<std::int64_t> number = readNumber(sql);
+  if (!number)
+    return std::unexpected(number.error());
+  return static_cast<std::size_t>(std::max<std::int64_t>(0, *number));
+}
+
+StoreResult<std::size_t> NotletDatabase::count() {
+  return readSize("SELECT count(*) FROM NotletEntry");
+}
+
+StoreResult<std::size_t> NotletDatabase::estimatedCount() {
+  // No row takes less than some sixty bytes, and each had a revision of its own.
+  return readSize("SELECT min(coalesce((SELECT seq FROM sqlite_sequence WHERE name = 'NotletEntry'), 0), "
+                  "page_count * page_size / 60) FROM pragma_page_count, pragma_page_size");
+}
+
+StoreResult<std::int64_t> NotletDatabase::lastRevision() {
+  return readNumber("SELECT seq FROM sqlite_sequence WHERE name = 'NotletEntry'");
+}
+
+StoreResult<std::int64_t> NotletDatabase::dataVersion() {
+  return readNumber("PRAGMA data_version");
+}
+
+StoreError NotletDatabase::noticed(StoreError error) {
+  m_isDamaged = m_isDamaged || error.kind == Kind::Damaged;
+  return error;
+}
+
+void NotletDatabase::setReadPatience(std::chrono::milliseconds patience) {
+  m_readPatience = patience;
+  m_connection.setPatience(patience);
+}
+
+} // namespace notlet

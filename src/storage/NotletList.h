@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <optional>
+#include <unordered_map>
+
+#include "core/NotletEntry.h"
+
+namespace notlet {
+
+/// Notlets sorted newest first, found by identifier or by place. A notlet stays at its address until it is
+/// removed. All operations take microseconds with a million notlets, except that one inserted or removed in
+/// the middle of the list moves pointers.
+class NotletList {
+ public:
+  [[nodiscard]] std::size_t size() const { return m_order.size(); }
+  /// Index 0 is the newest.
+  [[nodiscard]] const NotletEntry& at(std::size_t index) const { return *m_order[size() - 1 - index]; }
+  [[nodiscard]] const NotletEntry* find(const Uuid& id) const;
+  [[nodiscard]] std::optional<std::size_t> indexOf(const Uuid& id) const;
+  /// The index that the notlet would get.
+  [[nodiscard]] std::size_t placeOf(const NotletEntry& entry) const;
+
+  /// Adds a notlet whose identifier is not in the list and gives its index.
+  std::size_t insert(NotletEntry entry);
+  /// Exchanges a notlet for one with the same identifier and creation time, and gives the former one.
+  NotletEntry replace(NotletEntry entry);
+  /// Removes a notlet that is in the list.
+  NotletEntry take(const Uuid& id);
+  void reserve(std::size_t count) { m_notlets.reserve(count); }
+
+ private:
+  // Oldest first, so that a new notlet comes at the end; a queue open at both ends because older ones are
+  // loaded later.
+  using Order = std::deque<const NotletEntry*>;
+
+  [[nodiscard]] Order::const_iterator placeInOrder(const NotletEntry& entry) const;
+
+  std::unordered_map<Uuid, NotletEntry> m_notlets;
+  Order m_order;
+};
+
+} // namespace notlet
