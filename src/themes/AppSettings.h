@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QObject>
+#include <string>
+#include <vector>
+
+#include "platform/Defaults.h"
+#include "themes/AppTheme.h"
+
+namespace notlet {
+
+/// The selected theme and the user's own themes, kept in the defaults at every change.
+///
+/// A change that cannot be written stays in force until the program ends.
+class AppSettings : public QObject {
+  Q_OBJECT
+
+ public:
+  /// The keys under which the settings are kept.
+  static constexpr std::string_view selectedThemeKey = "selectedThemeID";
+  static constexpr std::string_view customThemesKey = "customThemes";
+  static constexpr std::string_view versionKey = "themeConfigurationVersion";
+
+  /// The defaults must outlive this object.
+  explicit AppSettings(Defaults& defaults, QObject* parent = nullptr);
+
+  /// The theme in force: the first custom theme with the selected identifier, else the built-in one, else
+  /// "system".
+  [[nodiscard]] const AppTheme& theme() const;
+  [[nodiscard]] const std::string& selectedThemeID() const { return m_selectedThemeID; }
+  /// In the order in which they were added.
+  [[nodiscard]] const std::vector<AppTheme>& customThemes() const { return m_customThemes; }
+
+  void setSelectedThemeID(std::string_view id);
+  /// Adds the theme, or replaces the one with its identifier in place, and selects it. A theme with the
+  /// identifier of a built-in one is not taken.
+  void saveCustomTheme(const AppTheme& theme);
+  /// Removes the theme with this one's identifier. When it was selected, "system" is selected.
+  void deleteCustomTheme(const AppTheme& theme);
+  /// Adds the themes, or replaces those whose "custom-" identifier is already there; all others get a new
+  /// identifier. The selection stays.
+  void importCustomThemes(const std::vector<AppTheme>& themes);
+
+ Q_SIGNALS:
+  /// The selection or the list of custom themes differs from before.
+  void changed();
+  /// The theme in force differs from before. Comes before changed().
+  void themeChanged();
+
+ private:
+  struct Before;
+
+  void readCustomThemes();
+  void persistSelection();
+  void persistCustomThemes();
+  void keepUnreadableThemes();
+  void addOrReplace(const AppTheme& theme);
+  [[nodiscard]] Before before() const;
+  void announce(const Before& before);
+
+  Defaults& m_defaults;
+  std::string m_selectedThemeID;
+  std::vector<AppTheme> m_customThemes;
+  /// Stored bytes that are no list of themes, not yet kept elsewhere.
+  std::string m_unreadableThemes;
+};
+
+} // namespace notlet

@@ -1,0 +1,76 @@
+#include "widgets/Alert.h"
+
+#include <QAccessibleWidget>
+#include <QBoxLayout>
+#include <QCoreApplication>
+#include <QLabel>
+
+#include "widgets/TextButton.h"
+#include "widgets/TextStyle.h"
+
+namespace notlet {
+
+namespace {
+
+constexpr int textWidth = 320;
+
+QLabel* makeLabel(const QString& text, TextStyle style) {
+  auto* label = new QLabel(text);
+  label->setTextFormat(Qt::PlainText);
+  label->setFont(textFont(style));
+  label->setWordWrap(true);
+  label->setFixedWidth(textWidth);
+  return label;
+}
+
+/// A dialog that assistive technology reads out as soon as it appears.
+QAccessibleInterface* accessibleAlert(const QString&, QObject* object) {
+  auto* alert = qobject_cast<Alert*>(object);
+  return alert ? new QAccessibleWidget(alert, QAccessible::AlertMessage) : nullptr;
+}
+
+} // namespace
+
+Alert::Alert(QWidget* parent, const QString& title, const QString& text) :
+    QDialog(parent), m_buttons(new QHBoxLayout) {
+  [[maybe_unused]] static const bool isInstalled = (QAccessible::installFactory(accessibleAlert), true);
+  setAttribute(Qt::WA_DeleteOnClose);
+  setAttribute(Qt::WA_WindowPropagation);
+  setWindowTitle(QCoreApplication::applicationName());
+  setAccessibleName(title);
+  setAccessibleDescription(text);
+
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(24, 24, 24, 20);
+  layout->setSpacing(8);
+  layout->setSizeConstraint(QLayout::SetFixedSize);
+  layout->addWidget(makeLabel(title, TextStyle::headline));
+  layout->addWidget(makeLabel(text, TextStyle::body));
+  layout->addSpacing(12);
+  layout->addLayout(m_buttons);
+  m_buttons->setSpacing(8);
+  m_buttons->addStretch();
+}
+
+Alert* Alert::message(QWidget* parent, const QString& title, const QString& text) {
+  auto* alert = new Alert(parent, title, text);
+  auto* ok = new TextButton(tr("OK"), TextButton::Look::primary);
+  alert->m_buttons->addWidget(ok);
+  connect(ok, &TextButton::clicked, alert, &Alert::accept);
+  ok->setFocus();
+  return alert;
+}
+
+Alert* Alert::destructiveQuestion(QWidget* parent, const QString& title, const QString& text, const QString& action) {
+  auto* alert = new Alert(parent, title, text);
+  auto* cancel = new TextButton(tr("Cancel"), TextButton::Look::standard);
+  auto* confirm = new TextButton(action, TextButton::Look::destructive);
+  alert->m_buttons->addWidget(cancel);
+  alert->m_buttons->addWidget(confirm);
+  connect(cancel, &TextButton::clicked, alert, &Alert::reject);
+  connect(confirm, &TextButton::clicked, alert, &Alert::accept);
+  cancel->setFocus();
+  return alert;
+}
+
+} // namespace notlet

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QDialog>
+
+class QHBoxLayout;
+
+namespace notlet {
+
+/// A message over a window, in its theme, that blocks only that window. Show it with open(); it deletes itself when
+/// closed.
+///
+/// accepted() comes from "OK" or from the button that carries out what was asked; rejected() from Cancel, Escape and
+/// the closing of the window.
+class Alert : public QDialog {
+  Q_OBJECT
+
+ public:
+  /// A message with one button, "OK".
+  [[nodiscard]] static Alert* message(QWidget* parent, const QString& title, const QString& text);
+  /// A question whose Cancel has the focus, beside a red button that carries out what was asked.
+  [[nodiscard]] static Alert* destructiveQuestion(QWidget* parent, const QString& title, const QString& text,
+                                                  const QString& action);
+
+ private:
+  Alert(QWidget* parent, const QString& title, const QString& text);
+
+  QHBoxLayout* m_buttons;
+};
+
+} // namespace notlet
