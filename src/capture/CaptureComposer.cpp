@@ -1,0 +1,119 @@
+#include "capture/CaptureComposer.h"
+
+#include <chrono>
+
+#include "core/HashtagParser.h"
+#include "core/NotletEntry.h"
+#include "core/Text.h"
+
+namespace notlet {
+
+namespace {
+
+constexpr std::chrono::milliseconds confirmationTime{1200};
+constexpr std::size_t suggestionLimit = 8;
+
+} // namespace
+
+bool CaptureComposer::State::canSave() const {
+  return !trimmed(input).empty();
+}
+
+CaptureComposer::CaptureComposer(const Surroundings& surroundings, QObject* parent)
+    : QObject(parent), m_surroundings(surroundings) {
+  auto& center = m_surroundings.notificationCenter;
+  for (const CommandName name : {CommandName::showMacCapture, CommandName::focusMacNotletInput})
+    center.observe(name, this, [this](const CommandObject&) { setInputFocused(true); });
+  center.observe(CommandName::enterMacFloatingMode, this,
+                 [this](const CommandObject&) { setInputFocused(false); });
+  // The used hashtags may have changed.
+  connect(&m_surroundings.modelContext, &ModelContext::listChanged, this, &CaptureComposer::changed);
+  connect(&m_surroundings.draftKeeper, &DraftKeeper::reported, this, [this](const std::string& reason) {
+    update([&](State& state) { state.draftWarning = reason; });
+  });
+}
+
+template <typename Change>
+void CaptureComposer::update(Change change) {
+  State next = m_state;
+  change(next);
+  if (next == m_state)
+    return;
+  m_state = std::move(next);
+  Q_EMIT changed();
+}
+
+std::vector<std::string> CaptureComposer::suggestions() const {
+  const auto partial = HashtagParser::inProgressHashtag(m_state.input);
+  if (!partial)
+    return {};
+  return m_surroundings.modelContext.tallies().suggestions(*partial, suggestionLimit);
+}
+
+void CaptureComposer::appear() {
+  if (!m_draftIsRestored)
+    restoreDraft();
+  setInputFocused(true);
+}
+
+void CaptureComposer::restoreDraft() {
+  m_draftIsRestored = true;
+  auto draft = m_surroundings.draftKeeper.restore();
+  update([&](State& state) {
+    if (draft)
+      state.input = std::move(*draft);
+    else
+      state.draftWarning = draft.error().message;
+  });
+}
+
+void CaptureComposer::setInput(std::string input) {
+  if (input == m_state.input)
+    return;
+  m_state.input = std::move(input);
+  m_surroundings.draftKeeper.keep(m_state.input);
+  Q_EMIT changed();
+}
+
+void CaptureComposer::setInputFocused(bool focused) {
+  update([&](State& state) { state.inputFocused = focused; });
+}
+
+void CaptureComposer::save() {
+  auto notlet = makeNotlet(m_state.input, m_surroundings.clock.now());
+  if (!notlet)
+    return;
+  auto& context = m_surroundings.modelContext;
+  context.insert(std::move(*notlet));
+  if (const auto saved = context.save(); !saved) {
+    context.rollback();
+    update([&](State& state) {
+      state.saveError = "Your draft is still here. Please try again.";
+      state.saveFailureReason = saved.error().message;
+    });
+    return;
+  }
+  setInput({});
+  confirm();
+}
+
+// A second save does not prolong the first one's confirmation: the first to finish hides it.
+void CaptureComposer::confirm() {
+  update([](State& state) { state.showConfirmation = true; });
+  m_surroundings.scheduler.after(confirmationTime, this,
+                                 [this] { update([](State& state) { state.showConfirmation = false; }); });
+}
+
+void CaptureComposer::acceptSuggestion(const std::string& tag) {
+  setInput(HashtagParser::completingHashtag(tag, m_state.input));
+  setInputFocused(true);
+}
+
+void CaptureComposer::dismissSaveError() {
+  update([](State& state) {
+    state.saveError.reset();
+    state.saveFailureReason.clear();
+  });
+}
+
+} // namespace notlet

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QObject>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "capture/DraftKeeper.h"
+#include "commands/NotificationCenter.h"
+#include "platform/Clock.h"
+#include "platform/Scheduler.h"
+#include "storage/ModelContext.h"
+
+namespace notlet {
+
+/// The rules of the screen on which a notlet is written: draft, saving, confirmation and hashtag suggestions.
+class CaptureComposer : public QObject {
+  Q_OBJECT
+
+ public:
+  struct State {
+    /// The draft as typed, UTF-8.
+    std::string input;
+    bool inputFocused = false;
+    bool showConfirmation = false;
+    /// Message of the failure alert, which is up while it is set.
+    std::optional<std::string> saveError;
+    /// Why the last save failed, for whoever has to mend it.
+    std::string saveFailureReason;
+    /// Why the draft is not safe on disk at the moment; empty when it is.
+    std::string draftWarning;
+
+    /// Whether there is anything to save.
+    [[nodiscard]] bool canSave() const;
+    bool operator==(const State&) const = default;
+  };
+
+  /// What a composer lives on; all of it outlives the composer.
+  struct Surroundings {
+    ModelContext& modelContext;
+    NotificationCenter& notificationCenter;
+    Clock& clock;
+    Scheduler& scheduler;
+    DraftKeeper& draftKeeper;
+  };
+
+  explicit CaptureComposer(const Surroundings& surroundings, QObject* parent = nullptr);
+
+  [[nodiscard]] const State& state() const { return m_state; }
+  /// Hashtags that complete the one being typed at the end of the draft, at most eight, without "#".
+  [[nodiscard]] std::vector<std::string> suggestions() const;
+
+  /// The screen came into view: brings back the kept draft and takes the focus.
+  void appear();
+  void setInput(std::string input);
+  void setInputFocused(bool focused);
+  /// Stores the draft as a notlet; a draft without text is left as it is.
+  void save();
+  void acceptSuggestion(const std::string& tag);
+  void dismissSaveError();
+
+ Q_SIGNALS:
+  void changed();
+
+ private:
+  template <typename Change>
+  void update(Change change);
+  void restoreDraft();
+  void confirm();
+
+  Surroundings m_surroundings;
+  State m_state;
+  bool m_draftIsRestored = false;
+};
+
+} // namespace notlet

@@ -1,0 +1,98 @@
+#include "capture/DraftKeeper.h"
+
+#include <chrono>
+#include <system_error>
+
+#include "core/Text.h"
+#include "core/Timestamp.h"
+#include "platform/DurableFile.h"
+
+namespace notlet {
+
+namespace {
+
+constexpr std::chrono::milliseconds writeDelay{500};
+/// In bytes. Larger ones are set aside: no editor could show them.
+constexpr std::size_t largestDraft = std::size_t{256} << 20;
+
+/// Brings the file to hold the text; gives the reason when that fails, else nothing.
+std::string bringToDisk(const std::filesystem::path& file, const std::string& text) {
+  if (text.empty()) {
+    std::error_code error;
+    std::filesystem::remove(file, error);
+    return error ? "The draft " + file.string() + " could not be removed: " + error.message() + "." : "";
+  }
+  if (const auto made = makePrivateDirectory(file.parent_path()); !made)
+    return made.error().message;
+  if (const auto written = writeDurably(file, text); !written)
+    return written.error().message;
+  return {};
+}
+
+} // namespace
+
+DraftKeeper::DraftKeeper(std::optional<std::filesystem::path> directory, const std::string& surface,
+                         Scheduler& scheduler, QObject* parent)
+    : QObject(parent), m_scheduler(scheduler) {
+  if (directory)
+    m_file = *directory / (surface + ".txt");
+  m_writer.setMaxThreadCount(1);
+}
+
+DraftKeeper::~DraftKeeper() {
+  flush();
+}
+
+Result<std::string> DraftKeeper::restore() {
+  if (!m_file)
+    return std::string();
+  auto contents = readWholeFile(*m_file, largestDraft);
+  if (!contents)
+    return std::unexpected(setAside(contents.error().message));
+  if (!*contents)
+    return std::string();
+  if (!isValidUtf8(**contents))
+    return std::unexpected(setAside("The draft " + m_file->string() + " is not UTF-8 text."));
+  return std::move(**contents);
+}
+
+Error DraftKeeper::setAside(const std::string& reason) const {
+  const auto seconds = std::chrono::floor<std::chrono::seconds>(currentTime()).time_since_epoch().count();
+  std::filesystem::path other = *m_file;
+  other += ".unreadable-" + std::to_string(seconds);
+  std::error_code error;
+  std::filesystem::rename(*m_file, other, error);
+  return Error{error ? reason : reason + " It was set aside as " + other.string() + "."};
+}
+
+void DraftKeeper::keep(std::string text) {
+  if (!m_file)
+    return;
+  m_pending = std::move(text);
+  m_isPending = true;
+  if (m_isScheduled)
+    return;
+  m_isScheduled = true;
+  m_scheduler.after(writeDelay, this, [this] {
+    m_isScheduled = false;
+    write();
+  });
+}
+
+void DraftKeeper::write() {
+  if (!m_isPending)
+    return;
+  m_isPending = false;
+  m_writer.start([this, file = *m_file, text = std::move(m_pending)] {
+    const std::string reason = bringToDisk(file, text);
+    // The pool is emptied before this object goes, so `this` is alive here.
+    QMetaObject::invokeMethod(this, [this, reason] { Q_EMIT reported(reason); }, Qt::QueuedConnection);
+  });
+}
+
+void DraftKeeper::flush() {
+  write();
+  m_writer.waitForDone();
+}
+
+} // namespace notlet

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QObject>
+#include <QThreadPool>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "core/Error.h"
+#include "platform/Scheduler.h"
+
+namespace notlet {
+
+/// Keeps the text that is being typed on one surface in a file of its own, so that it survives a crash.
+///
+/// The file holds the bare text in UTF-8. It is written half a second after the first key that it lacks, away
+/// from the main thread, and removed once the text is empty.
+class DraftKeeper : public QObject {
+  Q_OBJECT
+
+ public:
+  /// `directory` is made when needed; without one, drafts live as long as the process.
+  DraftKeeper(std::optional<std::filesystem::path> directory, const std::string& surface, Scheduler& scheduler,
+              QObject* parent = nullptr);
+  /// Writes what is not written yet.
+  ~DraftKeeper() override;
+
+  /// The kept text, empty when there is none. A draft that cannot be read is set aside under another name
+  /// and the error says which.
+  [[nodiscard]] Result<std::string> restore();
+  /// Keeps this text from now on; an empty one removes the file.
+  void keep(std::string text);
+  /// Writes now what is not written yet and waits for it.
+  void flush();
+
+ Q_SIGNALS:
+  /// The text could not be written; the reason is a sentence. Empty once a later write succeeds.
+  void reported(const std::string& reason);
+
+ private:
+  void write();
+  [[nodiscard]] Error setAside(const std::string& reason) const;
+
+  std::optional<std::filesystem::path> m_file;
+  Scheduler& m_scheduler;
+  std::string m_pending;
+  bool m_isPending = false;
+  bool m_isScheduled = false;
+  // One thread, so that an older text never overwrites a newer one.
+  QThreadPool m_writer;
+};
+
+} // namespace notlet
