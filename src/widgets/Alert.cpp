@@ -31,8 +31,8 @@ QAccessibleInterface* accessibleAlert(const QString&, QObject* object) {
 
 } // namespace
 
-Alert::Alert(QWidget* parent, const QString& title, const QString& text) :
-    QDialog(parent), m_buttons(new QHBoxLayout) {
+Alert::Alert(QWidget* parent, const QString& title, const QString& text)
+    : QDialog(parent), m_buttons(new QHBoxLayout) {
   [[maybe_unused]] static const bool isInstalled = (QAccessible::installFactory(accessibleAlert), true);
   setAttribute(Qt::WA_DeleteOnClose);
   setAttribute(Qt::WA_WindowPropagation);
@@ -61,7 +61,8 @@ Alert* Alert::message(QWidget* parent, const QString& title, const QString& text
   return alert;
 }
 
-Alert* Alert::destructiveQuestion(QWidget* parent, const QString& title, const QString& text, const QString& action) {
+Alert* Alert::destructiveQuestion(QWidget* parent, const QString& title, const QString& text,
+                                  const QString& action) {
   auto* alert = new Alert(parent, title, text);
   auto* cancel = new TextButton(tr("Cancel"), TextButton::Look::standard);
   auto* confirm = new TextButton(action, TextButton::Look::destructive);

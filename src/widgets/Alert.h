@@ -6,11 +6,11 @@ class QHBoxLayout;
 
 namespace notlet {
 
-/// A message over a window, in its theme, that blocks only that window. Show it with open(); it deletes itself when
-/// closed.
+/// A message over a window, in its theme, that blocks only that window. Show it with open(); it deletes
+/// itself when closed.
 ///
-/// accepted() comes from "OK" or from the button that carries out what was asked; rejected() from Cancel, Escape and
-/// the closing of the window.
+/// accepted() comes from "OK" or from the button that carries out what was asked; rejected() from Cancel,
+/// Escape and the closing of the window.
 class Alert : public QDialog {
   Q_OBJECT
 

@@ -40,8 +40,8 @@ QIcon appIcon(AppIconTone tone) {
   return icon;
 }
 
-AppIconView::AppIconView(int side, int cornerRadius, QWidget* parent) :
-    QWidget(parent), m_cornerRadius(cornerRadius) {
+AppIconView::AppIconView(int side, int cornerRadius, QWidget* parent)
+    : QWidget(parent), m_cornerRadius(cornerRadius) {
   setFixedSize(side, side);
   setAttribute(Qt::WA_TransparentForMouseEvents);
 }

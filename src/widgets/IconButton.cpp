@@ -12,8 +12,8 @@ constexpr double squareRadius = 8;
 
 } // namespace
 
-IconButton::IconButton(Symbol symbol, const QString& name, QWidget* parent) :
-    ThemedButton(parent), m_symbol(symbol), m_role(ThemeRole::secondaryText) {
+IconButton::IconButton(Symbol symbol, const QString& name, QWidget* parent)
+    : ThemedButton(parent), m_symbol(symbol), m_role(ThemeRole::secondaryText) {
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
   setName(name);
 }
@@ -50,7 +50,9 @@ void IconButton::setProminent(bool prominent) {
   update();
 }
 
-double IconButton::radius() const { return m_shape == Shape::round ? width() / 2.0 : squareRadius; }
+double IconButton::radius() const {
+  return m_shape == Shape::round ? width() / 2.0 : squareRadius;
+}
 
 QColor IconButton::symbolColor() const {
   if (m_isProminent)
@@ -66,7 +68,8 @@ void IconButton::paintEvent(QPaintEvent*) {
   painter.setPen(Qt::NoPen);
   painter.setBrush(m_isProminent ? palette().brush(ThemeRole::accent) : quietGround());
   const double inset = hasFocus() && m_isProminent ? ringInset : 0;
-  painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius() - inset, radius() - inset);
+  painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius() - inset,
+                          radius() - inset);
   QRect symbolRect(0, 0, m_symbolSide, m_symbolSide);
   symbolRect.moveTo((width() - m_symbolSide) / 2, (height() - m_symbolSide) / 2);
   paintSymbol(painter, m_symbol, symbolRect, symbolColor());

@@ -25,17 +25,25 @@ QFont fontOf(const PillContent& content) {
                          : textFont(TextStyle::caption, QFont::Medium);
 }
 
-int sidePadding(const PillContent& content) { return content.isLarge ? 14 : 8; }
+int sidePadding(const PillContent& content) {
+  return content.isLarge ? 14 : 8;
+}
 
-int padding(const PillContent& content) { return content.isLarge ? 7 : 3; }
+int padding(const PillContent& content) {
+  return content.isLarge ? 7 : 3;
+}
 
-bool showsCheckmark(const PillContent& content) { return content.isSelected == true; }
+bool showsCheckmark(const PillContent& content) {
+  return content.isSelected == true;
+}
 
 int checkmarkSide(const PillContent& content) {
   return QFontMetrics(textFont(content.isLarge ? TextStyle::caption : TextStyle::caption2)).ascent();
 }
 
-QString textOf(const PillContent& content) { return QLatin1Char('#') + content.tag; }
+QString textOf(const PillContent& content) {
+  return QLatin1Char('#') + content.tag;
+}
 
 QColor fillColor(const PillContent& content, const QPalette& palette) {
   return content.isSelected == false ? palette.color(ThemeRole::surface)
@@ -58,7 +66,8 @@ QPen penOf(const PillContent& content, const QPalette& palette) {
   return Qt::NoPen;
 }
 
-void paintCapsule(QPainter& painter, const QRectF& rect, const PillContent& content, const QPalette& palette) {
+void paintCapsule(QPainter& painter, const QRectF& rect, const PillContent& content,
+                  const QPalette& palette) {
   if (content.isFocused)
     ThemedButton::paintFocusRing(painter, rect, rect.height() / 2, palette);
   const double inset = content.isFocused ? ThemedButton::ringInset : 0.5;
@@ -77,7 +86,8 @@ QSize PillPainter::size(const PillContent& content) {
           metrics.height() + 2 * padding(content)};
 }
 
-void PillPainter::paint(QPainter& painter, const QRect& rect, const PillContent& content, const QPalette& palette) {
+void PillPainter::paint(QPainter& painter, const QRect& rect, const PillContent& content,
+                        const QPalette& palette) {
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
   paintCapsule(painter, rect, content, palette);
@@ -90,7 +100,8 @@ void PillPainter::paint(QPainter& painter, const QRect& rect, const PillContent&
     inside.setLeft(inside.left() + side + checkmarkGap);
   }
   painter.setFont(fontOf(content));
-  const QString text = QFontMetrics(painter.font()).elidedText(textOf(content), Qt::ElideRight, inside.width());
+  const QString text =
+      QFontMetrics(painter.font()).elidedText(textOf(content), Qt::ElideRight, inside.width());
   painter.drawText(inside, Qt::AlignCenter | Qt::TextSingleLine, text);
   painter.restore();
 }
@@ -101,8 +112,8 @@ QColor PillPainter::tagColor(const QString& tag, const QPalette& palette) {
   return {color.red, color.green, color.blue};
 }
 
-MacHashtagPill::MacHashtagPill(PillContent content, QWidget* parent) :
-    QWidget(parent), m_content(std::move(content)) {
+MacHashtagPill::MacHashtagPill(PillContent content, QWidget* parent)
+    : QWidget(parent), m_content(std::move(content)) {
   setAttribute(Qt::WA_TransparentForMouseEvents);
   setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
 }

@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QPainter>
+#include <QStyle>
 #include <algorithm>
 
 #include "widgets/MacHashtagPill.h"
@@ -58,8 +59,8 @@ class MacHashtagSuggestionsView::Chip : public ThemedButton {
 };
 
 MacHashtagSuggestionsView::MacHashtagSuggestionsView(std::vector<std::string> suggestions, OnSelect onSelect,
-                                                     QWidget* parent) :
-    QWidget(parent), m_suggestions(std::move(suggestions)), m_onSelect(std::move(onSelect)) {
+                                                     QWidget* parent)
+    : QWidget(parent), m_suggestions(std::move(suggestions)), m_onSelect(std::move(onSelect)) {
   QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Fixed);
   policy.setHeightForWidth(true);
   setSizePolicy(policy);
@@ -148,7 +149,9 @@ QSize MacHashtagSuggestionsView::minimumSizeHint() const {
   return {0, m_chips.empty() ? 0 : m_chips.front()->sizeHint().height() + 2 * padding};
 }
 
-void MacHashtagSuggestionsView::resizeEvent(QResizeEvent*) { placeChips(); }
+void MacHashtagSuggestionsView::resizeEvent(QResizeEvent*) {
+  placeChips();
+}
 
 bool MacHashtagSuggestionsView::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::FocusIn)
@@ -166,10 +169,17 @@ void MacHashtagSuggestionsView::setTabStop(const QObject* stop) {
 void MacHashtagSuggestionsView::keyPressEvent(QKeyEvent* event) {
   const bool isMirrored = layoutDirection() == Qt::RightToLeft;
   switch (event->key()) {
-  case Qt::Key_Left: moveFocus(isMirrored ? 1 : -1); return;
-  case Qt::Key_Right: moveFocus(isMirrored ? -1 : 1); return;
-  case Qt::Key_Escape: Q_EMIT dismissed(); return;
-  default: QWidget::keyPressEvent(event);
+  case Qt::Key_Left:
+    moveFocus(isMirrored ? 1 : -1);
+    return;
+  case Qt::Key_Right:
+    moveFocus(isMirrored ? -1 : 1);
+    return;
+  case Qt::Key_Escape:
+    Q_EMIT dismissed();
+    return;
+  default:
+    QWidget::keyPressEvent(event);
   }
 }
 

@@ -9,7 +9,8 @@ namespace notlet {
 
 /// Suggested hashtags as a strip of buttons that wraps into at most two rows; what has no room is left out.
 ///
-/// By keyboard: Tab enters at the first tag, Left and Right walk, Return, Enter and Space choose, Escape leaves.
+/// By keyboard: Tab enters at the first tag, Left and Right walk, Return, Enter and Space choose, Escape
+/// leaves.
 class MacHashtagSuggestionsView : public QWidget {
   Q_OBJECT
 
@@ -17,7 +18,8 @@ class MacHashtagSuggestionsView : public QWidget {
   /// Takes a tag as it was given, without "#".
   using OnSelect = std::function<void(const std::string& tag)>;
 
-  MacHashtagSuggestionsView(std::vector<std::string> suggestions, OnSelect onSelect, QWidget* parent = nullptr);
+  MacHashtagSuggestionsView(std::vector<std::string> suggestions, OnSelect onSelect,
+                            QWidget* parent = nullptr);
 
   /// Keeps the buttons, and with them the keyboard focus, when the list is the same.
   void setSuggestions(std::vector<std::string> suggestions);

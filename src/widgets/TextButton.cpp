@@ -1,6 +1,7 @@
 #include "widgets/TextButton.h"
 
 #include <QPainter>
+#include <QStyle>
 
 #include "widgets/TextStyle.h"
 #include "widgets/ThemePalette.h"
@@ -20,8 +21,8 @@ TextButton::TextButton(const QString& text, Look look, QWidget* parent) : Themed
   setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
 }
 
-TextButton::TextButton(Symbol symbol, const QString& text, Look look, QWidget* parent) :
-    TextButton(text, look, parent) {
+TextButton::TextButton(Symbol symbol, const QString& text, Look look, QWidget* parent)
+    : TextButton(text, look, parent) {
   m_symbol = symbol;
 }
 
@@ -29,7 +30,9 @@ bool TextButton::isBorderless() const {
   return m_look == Look::borderless || m_look == Look::borderlessDestructive;
 }
 
-int TextButton::symbolSide() const { return fontMetrics().height(); }
+int TextButton::symbolSide() const {
+  return fontMetrics().height();
+}
 
 int TextButton::contentWidth() const {
   const int textWidth = fontMetrics().horizontalAdvance(text());
@@ -44,11 +47,14 @@ QSize TextButton::sizeHint() const {
 
 QColor TextButton::textColor() const {
   switch (m_look) {
-  case Look::primary: return palette().color(ThemeRole::onAccent);
+  case Look::primary:
+    return palette().color(ThemeRole::onAccent);
   case Look::destructive:
-  case Look::borderlessDestructive: return destructiveColor(palette());
+  case Look::borderlessDestructive:
+    return destructiveColor(palette());
   case Look::standard:
-  case Look::borderless: break;
+  case Look::borderless:
+    break;
   }
   return palette().color(ThemeRole::primaryText);
 }
@@ -61,10 +67,12 @@ void TextButton::paintGround(QPainter& painter) const {
   } else if (m_look == Look::primary) {
     const QColor accent = palette().color(ThemeRole::accent);
     const bool isTouched = isDown() || (isEnabled() && underMouse());
-    painter.setBrush(isTouched ? mixed(accent, palette().color(ThemeRole::background), isDown() ? 0.2 : 0.1) : accent);
+    painter.setBrush(isTouched ? mixed(accent, palette().color(ThemeRole::background), isDown() ? 0.2 : 0.1)
+                               : accent);
   } else {
     painter.setPen(QPen(palette().color(ThemeRole::outline), 1));
-    painter.setBrush(quietGround() == QBrush(Qt::NoBrush) ? palette().brush(ThemeRole::surface) : quietGround());
+    painter.setBrush(quietGround() == QBrush(Qt::NoBrush) ? palette().brush(ThemeRole::surface)
+                                                          : quietGround());
     ground.adjust(0.5, 0.5, -0.5, -0.5);
   }
   if (hasFocus()) {

@@ -12,7 +12,8 @@ ThemedButton::ThemedButton(QWidget* parent) : QAbstractButton(parent) {
   setAttribute(Qt::WA_Hover);
 }
 
-void ThemedButton::paintFocusRing(QPainter& painter, const QRectF& rect, double radius, const QPalette& palette) {
+void ThemedButton::paintFocusRing(QPainter& painter, const QRectF& rect, double radius,
+                                  const QPalette& palette) {
   const double half = ringWidth / 2;
   painter.setPen(QPen(palette.color(ThemeRole::focusRing), ringWidth));
   painter.setBrush(Qt::NoBrush);
