@@ -6,6 +6,7 @@
 #include <unicode/timezone.h>
 
 #include <cstdlib>
+#include <string_view>
 
 namespace notlet {
 
@@ -80,7 +81,12 @@ std::string DateFormatting::day(Timestamp time) const {
 }
 
 std::string DateFormatting::timeOfDay(Timestamp time) const {
-  return printed(m_formatters->timeOfDay.get(), time);
+  // English puts a narrow no-break space before "PM", for which many fonts have no glyph.
+  constexpr std::string_view narrowSpace = "\u202F";
+  std::string text = printed(m_formatters->timeOfDay.get(), time);
+  for (std::size_t at = text.find(narrowSpace); at != std::string::npos; at = text.find(narrowSpace, at))
+    text.replace(at, narrowSpace.size(), " ");
+  return text;
 }
 
 } // namespace notlet

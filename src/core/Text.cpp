@@ -54,6 +54,18 @@ icu::StringPiece piece(std::string_view text) {
   return {text.data(), static_cast<int32_t>(text.size())};
 }
 
+/// Every sequence of bytes that is not UTF-8 becomes U+FFFD, so that no later step meets such bytes.
+std::string wellFormed(std::string_view text) {
+  std::string result;
+  while (!text.empty()) {
+    std::size_t length = 0;
+    const bool isValid = decodeNext(text, length) >= 0;
+    result.append(isValid ? text.substr(0, length) : std::string_view("\uFFFD"));
+    text.remove_prefix(length);
+  }
+  return result;
+}
+
 std::string canonicalForm(std::string text) {
   UErrorCode status = U_ZERO_ERROR;
   const icu::Normalizer2* form = icu::Normalizer2::getNFCInstance(status);
@@ -163,6 +175,8 @@ std::string lowercased(std::string_view text) {
     std::ranges::transform(text, result.begin(), asciiLowercase);
     return result;
   }
+  if (!isValidUtf8(text))
+    return lowercased(wellFormed(text));
   UErrorCode status = U_ZERO_ERROR;
   icu::StringByteSink<std::string> sink(&result, static_cast<int32_t>(text.size()));
   icu::CaseMap::utf8ToLower("", 0, piece(text), sink, nullptr, status);

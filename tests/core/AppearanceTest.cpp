@@ -1,0 +1,105 @@
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+
+#include "core/DateFormatting.h"
+#include "core/HashtagColor.h"
+
+namespace notlet {
+
+namespace {
+
+constexpr Rgb black{0, 0, 0};
+constexpr Rgb white{255, 255, 255};
+
+TEST(RgbTest, ColourCodesAreReadLeniently) {
+  struct {
+    std::string_view code, expected;
+  } const cases[] = {
+      {"#1E1E2E", "1E1E2E"},
+      {" 1e1e2e ", "1E1E2E"},
+      {"#1E1E2E;", "1E1E2E"},
+      {"#FFF", "FFFFFF"},
+      {"F80", "FF8800"},
+      {"", "000000"},
+      {"#", "000000"},
+      {"GG0000", "000000"},
+      {"12 345", "000000"},
+      {"é12345", "000000"},
+      {"00000000FF0000", "FF0000"},
+      {"11223344", "223344"},
+      {"ABCD", "00ABCD"},
+      {"0xFFFFFF", "000000"},
+      {"12345678901234567", "000000"},
+      {"FFFFFFFFFFFFFFFF", "FFFFFF"},
+      {"-FF", "0000FF"},
+      {"１２３", "000000"},
+      {"\xFF"
+       "123456\xC2",
+       "123456"},
+  };
+  for (const auto& [code, expected] : cases)
+    EXPECT_EQ(Rgb::fromHex(code).hexRGB(), expected) << code;
+  EXPECT_EQ(Rgb::fromComponents(0.5, -1, 2).hexRGB(), "8000FF");
+}
+
+TEST(HashtagColorTest, TheHashIsTheSameForeverAndIgnoresLetterCase) {
+  EXPECT_EQ(HashtagColor::stableHash(""), 0xcbf29ce484222325U);
+  EXPECT_EQ(HashtagColor::stableHash("a"), 0xaf63dc4c8601ec8cU);
+  EXPECT_EQ(HashtagColor::stableHash("ÉTÉ-Work"), HashtagColor::stableHash("été-work"));
+  EXPECT_EQ(HashtagColor::color("a", white, black), white) << "even hashes take the accent";
+  EXPECT_EQ(HashtagColor::color("", white, black), black) << "odd hashes take the alternate accent";
+}
+
+TEST(HashtagColorTest, TextOnAColourIsBlackOnlyOnLightOnes) {
+  EXPECT_DOUBLE_EQ(HashtagColor::relativeLuminance(white), 1);
+  EXPECT_DOUBLE_EQ(HashtagColor::relativeLuminance(black), 0);
+  EXPECT_NEAR(HashtagColor::relativeLuminance(0.5, 0.5, 0.5), 0.214, 0.0005);
+  EXPECT_NEAR(HashtagColor::relativeLuminance(Rgb{0, 255, 0}), 0.7152, 1e-9);
+  EXPECT_EQ(HashtagColor::contrastingText(white), black);
+  EXPECT_EQ(HashtagColor::contrastingText({128, 128, 128}), white);
+  EXPECT_EQ(HashtagColor::contrastingText({178, 178, 178}), white) << "luminance 0.445";
+  EXPECT_EQ(HashtagColor::contrastingText({179, 179, 179}), black) << "luminance 0.451";
+}
+
+TEST(DateFormattingTest, PrintsDayAndTimeAsTheLocaleWritesThem) {
+  const Timestamp evening = std::chrono::sys_days(std::chrono::year(2026) / 11 / 16) +
+                            std::chrono::hours(19) + std::chrono::minutes(16) +
+                            std::chrono::microseconds(59'999'999);
+  struct {
+    const char *locale, *zone, *day, *time;
+  } const cases[] = {
+      {"en_US.UTF-8", "Europe/Berlin", "Nov 16, 2026", "8:16 PM"},
+      {"de_DE", "Europe/Berlin", "Nov. 16, 2026", "20:16"},
+      {"en_US", "Asia/Tokyo", "Nov 17, 2026", "4:16 AM"},
+      {"ja_JP", "UTC", "11月 16, 2026", "19:16"},
+      {"C", "UTC", "Nov 16, 2026", "19:16"},
+  };
+  for (const auto& [locale, zone, day, time] : cases) {
+    const DateFormatting formatting(locale, zone);
+    EXPECT_EQ(formatting.day(evening), day) << locale;
+    EXPECT_EQ(formatting.timeOfDay(evening), time) << locale;
+  }
+}
+
+TEST(DateFormattingTest, TimesBeforeTheEpochAreNotRoundedIntoTheNextMinute) {
+  const DateFormatting formatting("de_DE", "UTC");
+  EXPECT_EQ(formatting.timeOfDay(Timestamp(std::chrono::microseconds(-1))), "23:59");
+  EXPECT_EQ(formatting.day(Timestamp(std::chrono::microseconds(-1))), "Dez. 31, 1969");
+}
+
+TEST(DateFormattingTest, TheUsersLanguageForDatesIsFollowed) {
+  const char* before = std::getenv("LC_ALL");
+  const std::string kept = before != nullptr ? before : "";
+  setenv("LC_ALL", "", 1);
+  setenv("LC_TIME", "fr_FR.UTF-8", 1);
+  const DateFormatting formatting;
+  unsetenv("LC_TIME");
+  setenv("LC_ALL", kept.c_str(), 1);
+
+  EXPECT_EQ(formatting.day(Timestamp(std::chrono::hours(12))), "janv. 1, 1970");
+}
+
+} // namespace
+
+} // namespace notlet
