@@ -51,28 +51,51 @@ unsigned bitsOf(__m128i candidates) {
   return static_cast<unsigned>(_mm_movemask_epi8(candidates));
 }
 
-/// Looks at whole blocks of 64 places while they fit before `lastPlace`; leaves in `position` where it
-/// stopped.
-bool scanBlocks(const char* text, std::string_view needle, std::size_t lastPlace, std::size_t& position) {
-  const EndsFilter filter(needle);
-  for (; position + 63 <= lastPlace; position += 64) {
+constexpr std::size_t blockSize = 16;
+
+/// The first of the candidate places that holds the needle; npos when none does.
+std::size_t firstMatch(const char* text, std::string_view needle, std::size_t block, unsigned candidates) {
+  for (; candidates != 0; candidates &= candidates - 1) {
+    const std::size_t place = block + static_cast<std::size_t>(std::countr_zero(candidates));
+    if (standsAt(text + place, needle))
+      return place;
+  }
+  return std::string_view::npos;
+}
+
+/// Skips groups of four blocks without any candidate; returns where the first other group begins.
+std::size_t skipEmptyGroups(const char* text, const EndsFilter& filter, std::size_t position,
+                            std::size_t lastPlace) {
+  for (; position + 4 * blockSize - 1 <= lastPlace; position += 4 * blockSize) {
     const char* place = text + position;
-    const __m128i blocks[] = {filter.candidates(place), filter.candidates(place + 16),
-                              filter.candidates(place + 32), filter.candidates(place + 48)};
-    const __m128i any = _mm_or_si128(_mm_or_si128(blocks[0], blocks[1]), _mm_or_si128(blocks[2], blocks[3]));
-    if (bitsOf(any) == 0)
-      continue;
-    for (std::size_t block = 0; block < 4; ++block) {
-      for (unsigned bits = bitsOf(blocks[block]); bits != 0; bits &= bits - 1) {
-        const std::size_t candidate = 16 * block + static_cast<std::size_t>(std::countr_zero(bits));
-        if (standsAt(place + candidate, needle)) {
-          position += candidate;
-          return true;
-        }
-      }
+    const __m128i front = _mm_or_si128(filter.candidates(place), filter.candidates(place + blockSize));
+    const __m128i back =
+        _mm_or_si128(filter.candidates(place + 2 * blockSize), filter.candidates(place + 3 * blockSize));
+    if (bitsOf(_mm_or_si128(front, back)) != 0)
+      break;
+  }
+  return position;
+}
+
+/// The needle's first place from `position` to `lastPlace`, which must lie at least a block from the text's
+/// start.
+std::size_t scan(const char* text, std::string_view needle, std::size_t position, std::size_t lastPlace) {
+  const EndsFilter filter(needle);
+  while (position + blockSize - 1 <= lastPlace) {
+    position = skipEmptyGroups(text, filter, position, lastPlace);
+    for (int block = 0; block < 4 && position + blockSize - 1 <= lastPlace; ++block, position += blockSize) {
+      const std::size_t match =
+          firstMatch(text, needle, position, bitsOf(filter.candidates(text + position)));
+      if (match != std::string_view::npos)
+        return match;
     }
   }
-  return false;
+  if (position > lastPlace)
+    return std::string_view::npos;
+  // The last block overlaps what was looked at already; those places are left out.
+  const std::size_t lastBlock = lastPlace - (blockSize - 1);
+  const unsigned fresh = ~0U << (position - lastBlock);
+  return firstMatch(text, needle, lastBlock, bitsOf(filter.candidates(text + lastBlock)) & fresh);
 }
 
 #endif
@@ -91,11 +114,11 @@ std::size_t findBytes(std::string_view text, std::string_view needle, std::size_
     return offsetIn(text, memmem(start, text.size() - from, needle.data(), needle.size()));
 
   const std::size_t lastPlace = text.size() - needle.size();
-  std::size_t position = from;
 #ifdef __SSE2__
-  if (scanBlocks(text.data(), needle, lastPlace, position))
-    return position;
+  if (lastPlace + 1 >= blockSize)
+    return scan(text.data(), needle, from, lastPlace);
 #endif
+  std::size_t position = from;
   while (position <= lastPlace) {
     const void* found = std::memchr(text.data() + position, needle.front(), lastPlace - position + 1);
     if (found == nullptr)

@@ -1,6 +1,7 @@
 #include "core/FoldedArchive.h"
 
 #include <algorithm>
+#include <span>
 
 #include "core/ByteSearch.h"
 #include "core/Text.h"
@@ -74,9 +75,10 @@ struct FoldedArchive::Needle {
     return standsOnWholeCharacters(content, position - begin, bytes.size());
   }
 
-  [[nodiscard]] bool standsIn(const Page& page, std::size_t index) const {
+  /// Whether it counts somewhere in the notlet's bytes, looked for from `position` within them.
+  [[nodiscard]] bool standsIn(const Page& page, std::size_t index, std::size_t position) const {
     const std::string_view searched = std::string_view(page.bytes).substr(0, page.extents[index].end);
-    std::size_t position = findBytes(searched, bytes, page.beginOf(index));
+    position = findBytes(searched, bytes, position);
     while (position != std::string_view::npos && !countsAt(page, index, position))
       position = findBytes(searched, bytes, position + 1);
     return position != std::string_view::npos;
@@ -99,8 +101,7 @@ class FoldedArchive::Search {
   }
 
   [[nodiscard]] bool finds(const Page& page, std::size_t index) const {
-    return !page.isFree(index) &&
-           std::ranges::all_of(m_needles, [&](const Needle& needle) { return needle.standsIn(page, index); });
+    return !page.isFree(index) && allStandIn(m_needles, page, index);
   }
 
   /// Calls `found` with each matching index of [first, last).
@@ -113,19 +114,31 @@ class FoldedArchive::Search {
       }
       return;
     }
-    const std::string& driver = m_needles.front().bytes;
     const std::string_view searched = std::string_view(page.bytes).substr(0, page.extents[last - 1].end);
+    const auto isMissing = [&](const Needle& needle) {
+      return findBytes(searched, needle.bytes, page.beginOf(first)) == std::string_view::npos;
+    };
+    const Needle& driver = m_needles.front();
+    const std::span<const Needle> others = std::span(m_needles).subspan(1);
+    // One rare word among frequent ones spares most pages.
+    if (std::ranges::any_of(others, isMissing))
+      return;
     std::size_t index = first;
-    std::size_t position = findBytes(searched, driver, page.beginOf(first));
+    std::size_t position = findBytes(searched, driver.bytes, page.beginOf(first));
     while (position != std::string_view::npos) {
       index = page.indexAt(position, index);
-      if (finds(page, index))
+      if (driver.standsIn(page, index, position) && allStandIn(others, page, index))
         found(index);
-      position = findBytes(searched, driver, page.extents[index].end);
+      position = findBytes(searched, driver.bytes, page.extents[index].end);
     }
   }
 
  private:
+  static bool allStandIn(std::span<const Needle> needles, const Page& page, std::size_t index) {
+    return std::ranges::all_of(
+        needles, [&](const Needle& needle) { return needle.standsIn(page, index, page.beginOf(index)); });
+  }
+
   std::vector<Needle> m_needles;
 };
 
