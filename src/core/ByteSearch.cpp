@@ -107,11 +107,11 @@ std::size_t findBytes(std::string_view text, std::string_view needle, std::size_
     return std::string_view::npos;
   if (needle.empty())
     return from;
-  const char* start = text.data() + from;
+  const std::string_view rest = text.substr(from);
   if (needle.size() == 1)
-    return offsetIn(text, std::memchr(start, needle.front(), text.size() - from));
+    return offsetIn(text, std::memchr(rest.data(), needle.front(), rest.size()));
   if (needle.size() > longestScanned)
-    return offsetIn(text, memmem(start, text.size() - from, needle.data(), needle.size()));
+    return offsetIn(text, memmem(rest.data(), rest.size(), needle.data(), needle.size()));
 
   const std::size_t lastPlace = text.size() - needle.size();
 #ifdef __SSE2__

@@ -26,6 +26,7 @@ std::vector<std::string> usedHashtags(std::span<const NotletEntry> notlets) {
     }
   }
   std::vector<std::string> tags;
+  tags.reserve(tallies.size());
   for (const auto& [tag, tally] : tallies)
     tags.push_back(tag);
   std::ranges::stable_sort(tags, [&](const std::string& left, const std::string& right) {

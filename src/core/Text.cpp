@@ -41,7 +41,7 @@ bool isAscii(std::string_view text) {
 /// The code point at `index`, which moves behind it; negative for bytes that are not UTF-8.
 UChar32 decodeNext(std::string_view text, std::size_t& index) {
   UChar32 value = 0;
-  U8_NEXT(text.data(), index, text.size(), value);
+  U8_NEXT(text.data(), index, text.size(), value); // NOLINT(bugprone-inc-dec-in-conditions)
   return value;
 }
 #pragma GCC diagnostic pop

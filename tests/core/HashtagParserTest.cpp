@@ -62,14 +62,13 @@ TEST(HashtagParserTest, CompletesTheTagBeingTyped) {
 /// The patterns matched against the whole text, with nothing done to be quick.
 class WholeTextRule {
  public:
-  explicit WholeTextRule(const std::string& text) : m_text(icu::UnicodeString::fromUTF8(text)) {}
-
-  WordList parse() {
+  WordList parse(const std::string& text) {
+    const icu::UnicodeString wide = icu::UnicodeString::fromUTF8(text);
     WordList tags;
     std::vector<std::string> seen;
-    icu::RegexMatcher matcher(uR"((?<!\S)#[\p{L}\p{N}_-]+)", m_text, 0, m_status);
-    while (matcher.find(m_status)) {
-      const std::string tag = utf8(matcher.start(m_status) + 1, matcher.end(m_status));
+    m_tag.reset(wide);
+    while (m_tag.find(m_status)) {
+      const std::string tag = utf8(wide, m_tag.start(m_status) + 1, m_tag.end(m_status));
       if (std::ranges::find(seen, folded(tag)) != seen.end())
         continue;
       seen.push_back(folded(tag));
@@ -78,38 +77,39 @@ class WholeTextRule {
     return tags;
   }
 
-  std::optional<std::string> inProgress() {
-    icu::RegexMatcher matcher(uR"((?<!\S)#([\p{L}\p{N}_-]*)$)", m_text, 0, m_status);
-    while (matcher.find(m_status)) {
+  std::optional<std::string> inProgress(const std::string& text) {
+    const icu::UnicodeString wide = icu::UnicodeString::fromUTF8(text);
+    m_completion.reset(wide);
+    while (m_completion.find(m_status)) {
       // A line break at the end would let "$" match before it; the tag must reach the very end.
-      if (matcher.end(m_status) == m_text.length())
-        return utf8(matcher.start(1, m_status), matcher.end(1, m_status));
+      if (m_completion.end(m_status) == wide.length())
+        return utf8(wide, m_completion.start(1, m_status), m_completion.end(1, m_status));
     }
     return std::nullopt;
   }
 
  private:
-  std::string utf8(int32_t begin, int32_t end) const {
+  static std::string utf8(const icu::UnicodeString& text, int32_t begin, int32_t end) {
     std::string result;
-    m_text.tempSubStringBetween(begin, end).toUTF8String(result);
-    return result;
+    return text.tempSubStringBetween(begin, end).toUTF8String(result);
   }
 
-  icu::UnicodeString m_text;
   UErrorCode m_status = U_ZERO_ERROR;
+  icu::RegexMatcher m_tag{uR"((?<!\S)#[\p{L}\p{N}_-]+)", 0, m_status};
+  icu::RegexMatcher m_completion{uR"((?<!\S)#([\p{L}\p{N}_-]*)$)", 0, m_status};
 };
 
 TEST(HashtagParserTest, AgreesWithThePatternsOnTheWholeText) {
   RandomText random(2);
+  WholeTextRule rule;
   int tagged = 0;
   int inProgress = 0;
   for (int round = 0; round < 20000; ++round) {
     std::string text = random.text(8);
     if (random.oneIn(3))
       text.append("#").append(random.word());
-    WholeTextRule rule(text);
-    const auto expected = rule.inProgress();
-    const WordList tags = rule.parse();
+    const auto expected = rule.inProgress(text);
+    const WordList tags = rule.parse(text);
     ASSERT_EQ(HashtagParser::parse(text), tags) << text;
     ASSERT_EQ(HashtagParser::inProgressHashtag(text), expected) << text;
     const std::string kept = expected ? text.substr(0, text.size() - expected->size() - 1) : text;
