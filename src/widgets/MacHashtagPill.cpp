@@ -2,6 +2,7 @@
 
 #include <QFontMetrics>
 #include <QPainter>
+#include <QtMath>
 
 #include "core/HashtagColor.h"
 #include "widgets/SymbolIcon.h"
@@ -80,10 +81,11 @@ void paintCapsule(QPainter& painter, const QRectF& rect, const PillContent& cont
 } // namespace
 
 QSize PillPainter::size(const PillContent& content) {
-  const QFontMetrics metrics(fontOf(content));
+  // Rounded up, since a fraction of a pixel too few would elide the tag.
+  const QFontMetricsF metrics(fontOf(content));
   const int checkmarkWidth = showsCheckmark(content) ? checkmarkSide(content) + checkmarkGap : 0;
-  return {checkmarkWidth + metrics.horizontalAdvance(textOf(content)) + 2 * sidePadding(content),
-          metrics.height() + 2 * padding(content)};
+  return {checkmarkWidth + qCeil(metrics.horizontalAdvance(textOf(content))) + 1 + 2 * sidePadding(content),
+          qCeil(metrics.height()) + 2 * padding(content)};
 }
 
 void PillPainter::paint(QPainter& painter, const QRect& rect, const PillContent& content,

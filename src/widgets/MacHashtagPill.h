@@ -11,7 +11,7 @@ struct PillContent {
   /// Without "#".
   QString tag;
   /// Nothing: a plain chip. Else whether it is a filter that is selected.
-  std::optional<bool> isSelected;
+  std::optional<bool> isSelected = std::nullopt;
   bool isLarge = false;
   /// A fine line around the chip.
   bool isOutlined = false;

@@ -61,7 +61,7 @@ class MacHashtagSuggestionsView::Chip : public ThemedButton {
 MacHashtagSuggestionsView::MacHashtagSuggestionsView(std::vector<std::string> suggestions, OnSelect onSelect,
                                                      QWidget* parent)
     : QWidget(parent), m_suggestions(std::move(suggestions)), m_onSelect(std::move(onSelect)) {
-  QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+  QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
   policy.setHeightForWidth(true);
   setSizePolicy(policy);
   makeChips();

@@ -73,8 +73,8 @@ QPalette paletteOf(const Colors& colors) {
   for (const auto role :
        {ThemeRole::surface, QPalette::AlternateBase, QPalette::Button, QPalette::ToolTipBase})
     palette.setColor(role, colors.surface);
-  palette.setColor(ThemeRole::hover, towardsText(0.06));
-  palette.setColor(ThemeRole::pressed, towardsText(0.12));
+  palette.setColor(ThemeRole::hover, towardsText(0.04));
+  palette.setColor(ThemeRole::pressed, towardsText(0.08));
   palette.setColor(ThemeRole::separator, mixed(colors.background, colors.primary, 0.12));
   palette.setColor(ThemeRole::outline, mixed(colors.background, colors.primary, 0.28));
   setText(palette, QPalette::All, colors.primary);
