@@ -20,29 +20,31 @@ AppThemeContainer::AppThemeContainer(AppSettings& settings, QWidget* content, QW
   qApp->installEventFilter(this);
 }
 
-const AppTheme& AppThemeContainer::themeOf(const QWidget* widget) {
+const AppThemeContainer* AppThemeContainer::around(const QWidget* widget) {
   for (; widget; widget = widget->parentWidget())
     if (const auto* container = qobject_cast<const AppThemeContainer*>(widget))
-      return container->theme();
-  return AppThemeCatalog::themes().front();
+      return container;
+  return nullptr;
+}
+
+const AppTheme& AppThemeContainer::themeOf(const QWidget* widget) {
+  const AppThemeContainer* container = around(widget);
+  return container ? container->theme() : AppThemeCatalog::themes().front();
+}
+
+bool AppThemeContainer::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Polish && watched->isWidgetType())
+    adopt(static_cast<QWidget*>(watched));
+  else if (event->type() == QEvent::ApplicationPaletteChange && watched == qApp && theme().followsSystem)
+    applyTheme();
+  return QWidget::eventFilter(watched, event);
 }
 
 // Dialogs and menus are windows and would show the desktop's palette instead of that of the widget they
 // belong to.
-bool AppThemeContainer::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::Polish && watched->isWidgetType()) {
-    auto* widget = static_cast<QWidget*>(watched);
-    const QWidget* owner = widget->isWindow() ? widget->parentWidget() : nullptr;
-    if (owner && (owner == this || isAncestorOf(owner)))
-      widget->setAttribute(Qt::WA_WindowPropagation);
-  }
-  return QWidget::eventFilter(watched, event);
-}
-
-bool AppThemeContainer::event(QEvent* event) {
-  if (event->type() == QEvent::ApplicationPaletteChange && theme().followsSystem)
-    applyTheme();
-  return QWidget::event(event);
+void AppThemeContainer::adopt(QWidget* widget) {
+  if (widget->isWindow() && around(widget->parentWidget()) == this)
+    widget->setAttribute(Qt::WA_WindowPropagation);
 }
 
 void AppThemeContainer::applyTheme() {

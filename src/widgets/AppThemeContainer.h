@@ -26,10 +26,10 @@ class AppThemeContainer : public QWidget {
 
   bool eventFilter(QObject* watched, QEvent* event) override;
 
- protected:
-  bool event(QEvent* event) override;
-
  private:
+  /// Also looks beyond the window that the widget is in.
+  [[nodiscard]] static const AppThemeContainer* around(const QWidget* widget);
+  void adopt(QWidget* widget);
   void applyTheme();
 
   AppSettings& m_settings;

@@ -22,6 +22,8 @@ QString fileName(Symbol symbol) {
     return QStringLiteral("arrow-up-circle-fill");
   case Symbol::checkmark:
     return QStringLiteral("checkmark");
+  case Symbol::checkmarkCircleFill:
+    return QStringLiteral("checkmark-circle-fill");
   case Symbol::circleCircle:
     return QStringLiteral("circle-circle");
   case Symbol::ellipsisCircle:

@@ -10,6 +10,7 @@ enum class Symbol {
   archivebox,
   arrowUpCircleFill,
   checkmark,
+  checkmarkCircleFill,
   circleCircle,
   ellipsisCircle,
   externaldriveBadgeExclamationmark,

@@ -63,7 +63,7 @@ TEST_F(AppThemeContainerTest, WindowsOfAWidgetInsideTakeTheTheme) {
   container.show();
   QDialog dialog(edit);
   auto* inDialog = new QLabel(&dialog);
-  QMenu menu(edit);
+  QMenu menu(inDialog);
   dialog.show();
   menu.ensurePolished();
   for (const char* id : {"paper", "dracula"}) {
@@ -86,7 +86,9 @@ TEST_F(AppThemeContainerTest, AThemeThatFollowsTheSystemFollowsItsChanges) {
   theme.id = "custom-A";
   theme.followsSystem = true;
   settings.saveCustomTheme(theme);
-  AppThemeContainer container(settings, new QLabel);
+  QWidget window;
+  AppThemeContainer container(settings, new QLabel, &window);
+  window.show();
   const QPalette before = QApplication::palette();
   QPalette other = before;
   other.setColor(QPalette::Window, QColor(1, 2, 3));

@@ -1,0 +1,79 @@
+#include "widgets/SearchField.h"
+
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTest>
+#include <gmock/gmock.h>
+
+#include "widgets/IconButton.h"
+
+namespace notlet {
+namespace {
+
+using testing::SizeIs;
+
+TEST(SearchFieldTest, TheClearButtonComesWithTheTextAndEmptiesIt) {
+  QWidget window;
+  auto* field = new SearchField(QStringLiteral("Search notlets"), QStringLiteral("Clear search"), &window);
+  auto* clear = field->findChild<IconButton*>();
+  window.show();
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  const int height = field->sizeHint().height();
+  QSignalSpy changes(field, &SearchField::textChanged);
+
+  EXPECT_FALSE(clear->isVisible());
+  field->setFocus();
+  QTest::keyClicks(field->lineEdit(), QStringLiteral("anna"));
+  EXPECT_EQ(field->text(), QStringLiteral("anna"));
+  EXPECT_TRUE(clear->isVisible());
+  EXPECT_EQ(clear->accessibleName(), QStringLiteral("Clear search"));
+  EXPECT_EQ(field->sizeHint().height(), height);
+
+  QTest::mouseClick(clear, Qt::LeftButton);
+  EXPECT_EQ(field->text(), QString());
+  EXPECT_FALSE(clear->isVisible());
+  EXPECT_TRUE(field->lineEdit()->hasFocus());
+  EXPECT_THAT(changes, SizeIs(5));
+}
+
+TEST(SearchFieldTest, ClearingByKeyboardKeepsTheKeyboardInTheField) {
+  QWidget window;
+  auto* field = new SearchField(QStringLiteral("Search notlets"), QStringLiteral("Clear search"), &window);
+  window.show();
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  field->setText(QStringLiteral("anna"));
+  field->findChild<IconButton*>()->setFocus();
+  QTest::keyClick(field->findChild<IconButton*>(), Qt::Key_Return);
+  EXPECT_TRUE(field->lineEdit()->hasFocus());
+}
+
+TEST(SearchFieldTest, TheSameTextLeavesTheCursorAlone) {
+  SearchField field(QStringLiteral("Search"), QStringLiteral("Clear"));
+  field.setText(QStringLiteral("anna"));
+  field.lineEdit()->setCursorPosition(1);
+  field.setText(QStringLiteral("anna"));
+  EXPECT_EQ(field.lineEdit()->cursorPosition(), 1);
+}
+
+TEST(SearchFieldTest, FocusIsAnnouncedAndVisible) {
+  QWidget window;
+  auto* field = new SearchField(QStringLiteral("Search"), QStringLiteral("Clear"), &window);
+  window.show();
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  window.setFocus();
+  const QImage resting = field->grab().toImage();
+  QSignalSpy focus(field, &SearchField::focusChanged);
+  field->setFocus();
+  EXPECT_NE(field->grab().toImage().pixelColor(field->width() / 2, 0),
+            resting.pixelColor(field->width() / 2, 0));
+  window.setFocus();
+  ASSERT_THAT(focus, SizeIs(2));
+  EXPECT_TRUE(focus[0][0].toBool());
+  EXPECT_FALSE(focus[1][0].toBool());
+}
+
+} // namespace
+} // namespace notlet
