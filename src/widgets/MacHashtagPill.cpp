@@ -118,12 +118,14 @@ MacHashtagPill::MacHashtagPill(PillContent content, QWidget* parent)
     : QWidget(parent), m_content(std::move(content)) {
   setAttribute(Qt::WA_TransparentForMouseEvents);
   setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+  setAccessibleName(textOf(m_content));
 }
 
 void MacHashtagPill::setContent(const PillContent& content) {
   if (content == m_content)
     return;
   m_content = content;
+  setAccessibleName(textOf(m_content));
   updateGeometry();
   update();
 }

@@ -64,6 +64,7 @@ MacHashtagSuggestionsView::MacHashtagSuggestionsView(std::vector<std::string> su
   QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
   policy.setHeightForWidth(true);
   setSizePolicy(policy);
+  setAccessibleName(tr("Hashtag suggestions"));
   makeChips();
 }
 
