@@ -21,11 +21,9 @@ QFont capsuleFont() {
 
 } // namespace
 
-ConfirmationCapsule::ConfirmationCapsule(const QString& message, QWidget* parent)
-    : QWidget(parent), m_message(message) {
+ConfirmationCapsule::ConfirmationCapsule(const QString& message, QWidget* parent) : QLabel(message, parent) {
   setAttribute(Qt::WA_TransparentForMouseEvents);
   setFocusPolicy(Qt::NoFocus);
-  setAccessibleName(message);
   resize(sizeHint());
   hide();
   m_presence.setStartValue(0.0);
@@ -52,8 +50,7 @@ void ConfirmationCapsule::setShown(bool shown) {
 
 QSize ConfirmationCapsule::sizeHint() const {
   const QFontMetrics metrics(capsuleFont());
-  return {metrics.horizontalAdvance(m_message) + 2 * horizontalPadding,
-          metrics.height() + 2 * verticalPadding};
+  return {metrics.horizontalAdvance(text()) + 2 * horizontalPadding, metrics.height() + 2 * verticalPadding};
 }
 
 void ConfirmationCapsule::paintEvent(QPaintEvent*) {
@@ -71,7 +68,7 @@ void ConfirmationCapsule::paintEvent(QPaintEvent*) {
   painter.drawRoundedRect(capsule, capsule.height() / 2, capsule.height() / 2);
   painter.setPen(palette().color(ThemeRole::primaryText));
   painter.setFont(capsuleFont());
-  painter.drawText(capsule, Qt::AlignCenter, m_message);
+  painter.drawText(capsule, Qt::AlignCenter, text());
 }
 
 } // namespace notlet

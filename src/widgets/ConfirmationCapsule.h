@@ -1,13 +1,13 @@
 #pragma once
 
+#include <QLabel>
 #include <QVariantAnimation>
-#include <QWidget>
 
 namespace notlet {
 
 /// A short message on a capsule that fades in while it grows to its size, and fades out again. It takes no
 /// clicks; assistive technology hears the message when it appears.
-class ConfirmationCapsule : public QWidget {
+class ConfirmationCapsule : public QLabel {
   Q_OBJECT
 
  public:
@@ -21,7 +21,6 @@ class ConfirmationCapsule : public QWidget {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  QString m_message;
   QVariantAnimation m_presence;
   bool m_isShown = false;
 };

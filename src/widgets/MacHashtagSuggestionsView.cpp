@@ -98,7 +98,21 @@ void MacHashtagSuggestionsView::makeChips() {
     m_chips.push_back(chip);
   }
   placeChips();
+  orderForTab();
   setTabStop(m_chips.empty() ? nullptr : m_chips.front());
+}
+
+/// New buttons come last in a window's tab order; these belong where the strip stands among its neighbours.
+void MacHashtagSuggestionsView::orderForTab() {
+  QWidget* before = previousInFocusChain();
+  while (before != this && (before->focusPolicy() == Qt::NoFocus || isAncestorOf(before)))
+    before = before->previousInFocusChain();
+  for (Chip* chip : m_chips) {
+    chip->setFocusPolicy(Qt::TabFocus); // Others have no place in the order.
+    if (before != this)
+      setTabOrder(before, chip);
+    before = chip;
+  }
 }
 
 std::vector<QRect> MacHashtagSuggestionsView::placement(int width) const {

@@ -45,6 +45,7 @@ class MacHashtagSuggestionsView : public QWidget {
   class Chip;
 
   void makeChips();
+  void orderForTab();
   void placeChips();
   /// Where the chips go in a strip of this width; those left out have no entry.
   [[nodiscard]] std::vector<QRect> placement(int width) const;

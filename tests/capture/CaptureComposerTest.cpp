@@ -1,13 +1,8 @@
-#include "capture/CaptureComposer.h"
-
 #include <gtest/gtest.h>
 
 #include <QSignalSpy>
 
-#include "storage/NotletDatabase.h"
-#include "support/FakeClock.h"
-#include "support/FakeScheduler.h"
-#include "support/TemporaryDirectory.h"
+#include "capture/ComposerFixture.h"
 
 namespace notlet {
 
@@ -15,39 +10,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-class CaptureComposerTest : public testing::Test {
+class CaptureComposerTest : public ComposerFixture {
  protected:
   CaptureComposerTest() { composer.appear(); }
-
-  [[nodiscard]] std::unique_ptr<NotletDatabase> openDatabase() const {
-    auto opened = NotletDatabase::open(store, Access::ReadWrite);
-    if (!opened)
-      throw std::runtime_error(opened.error().message);
-    return std::move(*opened);
-  }
-  void save(const std::string& text) {
-    composer.setInput(text);
-    composer.save();
-  }
-  [[nodiscard]] std::vector<std::string> contents() const {
-    std::vector<std::string> texts;
-    for (std::size_t index = 0; index < context.size(); ++index)
-      texts.push_back(context.at(index).content);
-    return texts;
-  }
-  /// Takes the store away, as a failing disk would.
-  void breakStore() const { std::filesystem::rename(store, away); }
-  void mendStore() const { std::filesystem::rename(away, store); }
-
-  TemporaryDirectory directory;
-  std::filesystem::path store = directory.path() / "Notlet.store";
-  std::filesystem::path away = directory.path() / "away";
-  ModelContext context{openDatabase()};
-  NotificationCenter center;
-  FakeClock clock;
-  FakeScheduler scheduler;
-  DraftKeeper drafts{directory.path() / "drafts", "main-window", scheduler};
-  CaptureComposer composer{{context, center, clock, scheduler, drafts}};
 };
 
 } // namespace
@@ -113,9 +78,14 @@ TEST_F(CaptureComposerTest, OffersUsedTagsForTheOneBeingTypedAtTheEnd) {
     const char* input;
     std::vector<std::string> offered;
   } cases[] = {
-      {"note #", {"project", "pro", "work"}}, {"note #pro", {"project"}}, {"#Pro", {"project"}},
-      {"note#pro", {}},                       {"#pro more", {}},          {"note #project", {}},
-      {"note", {}},                           {"", {}},
+      {"note #", {"project", "pro", "work"}},
+      {"note #pro", {"project"}},
+      {"#Pro", {"project"}},
+      {"note#pro", {}},
+      {"#pro more", {}},
+      {"note #project", {}},
+      {"note", {}},
+      {"", {}},
   };
   for (const auto& [input, offered] : cases) {
     composer.setInput(input);
@@ -137,8 +107,8 @@ TEST_F(CaptureComposerTest, FollowsTheFocusCommandsOfTheMainWindowOnly) {
     bool before;
     bool after;
   } cases[] = {
-      {CommandName::showMacCapture, false, true},         {CommandName::focusMacNotletInput, false, true},
-      {CommandName::enterMacFloatingMode, true, false},   {CommandName::focusMacCaptureInput, false, false},
+      {CommandName::showMacCapture, false, true},        {CommandName::focusMacNotletInput, false, true},
+      {CommandName::enterMacFloatingMode, true, false},  {CommandName::focusMacCaptureInput, false, false},
       {CommandName::stopMacFloatingCapture, true, true},
   };
   for (const auto& [command, before, after] : cases) {

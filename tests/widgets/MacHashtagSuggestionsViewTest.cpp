@@ -77,6 +77,15 @@ TEST_F(MacHashtagSuggestionsViewTest, TabEntersAtTheFirstTagAndLeavesTheStripAtO
   EXPECT_EQ(QApplication::focusWidget(), editor);
 }
 
+// Suggestions come and go while the window is open; their buttons are younger than all others.
+TEST_F(MacHashtagSuggestionsViewTest, LaterSuggestionsStandAtTheSamePlaceInTheTabOrder) {
+  strip->setSuggestions({"other", "order"});
+  press(Qt::Key_Tab);
+  EXPECT_EQ(focusedName(), QStringLiteral("Use hashtag other"));
+  press(Qt::Key_Tab);
+  EXPECT_EQ(QApplication::focusWidget(), after);
+}
+
 TEST_F(MacHashtagSuggestionsViewTest, ArrowsStopAtBothEnds) {
   strip->focusFirst();
   press(Qt::Key_Left);

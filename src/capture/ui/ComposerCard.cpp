@@ -14,6 +14,8 @@ namespace {
 
 constexpr int cornerRadius = 10;
 constexpr int innerMargin = 12;
+/// How far rows may reach beyond the text to both sides, for what has a padding of its own.
+constexpr int rowOverhang = 6;
 constexpr double legibleContrast = 3.0;
 
 /// The editor has the focus most of the time, so its ring is as quiet as it can be and still be seen.
@@ -36,9 +38,12 @@ ComposerCard::ComposerCard(QWidget* parent) : QWidget(parent), m_editor(new Exac
   m_editor->installEventFilter(this);
 
   auto* rows = new QVBoxLayout(this);
-  rows->setContentsMargins(innerMargin, innerMargin, innerMargin, 8);
+  rows->setContentsMargins(innerMargin - rowOverhang, innerMargin, innerMargin - rowOverhang, 8);
   rows->setSpacing(8);
-  rows->addWidget(m_editor, 1);
+  auto* inset = new QHBoxLayout;
+  inset->setContentsMargins(rowOverhang, 0, rowOverhang, 0);
+  inset->addWidget(m_editor);
+  rows->addLayout(inset, 1);
 }
 
 void ComposerCard::addRow(QWidget* row) {

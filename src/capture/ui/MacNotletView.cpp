@@ -6,6 +6,7 @@
 #include <QShortcut>
 
 #include "widgets/Alert.h"
+#include "widgets/TextConversion.h"
 #include "widgets/TextStyle.h"
 #include "widgets/ThemePalette.h"
 
@@ -65,7 +66,7 @@ void MacNotletView::layOut() {
 
   auto* footer = new QWidget;
   auto* row = new QHBoxLayout(footer);
-  row->setContentsMargins(2, 0, 0, 0);
+  row->setContentsMargins(8, 0, 4, 0);
   row->setSpacing(8);
   row->addWidget(m_hint, 1);
   row->addWidget(m_save);
@@ -97,7 +98,7 @@ void MacNotletView::connectHandlers() {
 }
 
 void MacNotletView::takeInput() {
-  m_shownInput = m_editor->exactText().toStdString();
+  m_shownInput = toUtf8(m_editor->exactText());
   m_composer.setInput(m_shownInput);
 }
 
@@ -121,13 +122,13 @@ void MacNotletView::renderInput() {
     return;
   m_shownInput = m_composer.state().input;
   const QSignalBlocker blocker(m_editor);
-  m_editor->setExactText(QString::fromStdString(m_shownInput));
+  m_editor->setExactText(fromUtf8(m_shownInput));
 }
 
 // A warning takes the place of the hint: whoever reads it knows how to save by now.
 void MacNotletView::renderHint() {
   const auto& warning = m_composer.state().draftWarning;
-  const QString text = warning.empty() ? hintText : QString::fromStdString(warning);
+  const QString text = warning.empty() ? hintText : fromUtf8(warning);
   if (m_hint->text() != text)
     m_hint->setText(text);
 }
@@ -146,8 +147,7 @@ void MacNotletView::renderSaveAlert() {
   if (!state.saveError || m_alertIsOpen)
     return;
   m_alertIsOpen = true;
-  auto* alert =
-      Alert::message(this, QStringLiteral("Unable to save notlet"), QString::fromStdString(*state.saveError));
+  auto* alert = Alert::message(this, QStringLiteral("Unable to save notlet"), fromUtf8(*state.saveError));
   connect(alert, &QDialog::finished, this, [this] {
     m_alertIsOpen = false;
     m_composer.dismissSaveError();

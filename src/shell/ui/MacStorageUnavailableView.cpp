@@ -4,6 +4,7 @@
 #include <QVBoxLayout>
 
 #include "widgets/SymbolIcon.h"
+#include "widgets/TextConversion.h"
 #include "widgets/TextStyle.h"
 #include "widgets/ThemePalette.h"
 
@@ -30,8 +31,8 @@ MacStorageUnavailableView::MacStorageUnavailableView(const std::optional<std::st
                                                      QWidget* parent)
     : QWidget(parent) {
   setMinimumSize(380, 260);
-  const QString description = errorDescription ? QString::fromStdString(*errorDescription)
-                                               : QStringLiteral("Restart Notlet and try again.");
+  const QString description =
+      errorDescription ? fromUtf8(*errorDescription) : QStringLiteral("Restart Notlet and try again.");
   auto* title = centredLabel(QStringLiteral("Notlet storage is unavailable"),
                              textFont(TextStyle::title, QFont::DemiBold), ThemeRole::primaryText);
   auto* text = centredLabel(description, textFont(TextStyle::body), ThemeRole::secondaryText);
