@@ -54,20 +54,21 @@ unsigned bitsOf(__m128i candidates) {
 constexpr std::size_t blockSize = 16;
 
 /// The first of the candidate places that holds the needle; npos when none does.
-std::size_t firstMatch(const char* text, std::string_view needle, std::size_t block, unsigned candidates) {
+std::size_t firstMatch(std::string_view text, std::string_view needle, std::size_t block,
+                       unsigned candidates) {
   for (; candidates != 0; candidates &= candidates - 1) {
     const std::size_t place = block + static_cast<std::size_t>(std::countr_zero(candidates));
-    if (standsAt(text + place, needle))
+    if (standsAt(text.data() + place, needle))
       return place;
   }
   return std::string_view::npos;
 }
 
 /// Skips groups of four blocks without any candidate; returns where the first other group begins.
-std::size_t skipEmptyGroups(const char* text, const EndsFilter& filter, std::size_t position,
+std::size_t skipEmptyGroups(std::string_view text, const EndsFilter& filter, std::size_t position,
                             std::size_t lastPlace) {
   for (; position + 4 * blockSize - 1 <= lastPlace; position += 4 * blockSize) {
-    const char* place = text + position;
+    const char* place = text.data() + position;
     const __m128i front = _mm_or_si128(filter.candidates(place), filter.candidates(place + blockSize));
     const __m128i back =
         _mm_or_si128(filter.candidates(place + 2 * blockSize), filter.candidates(place + 3 * blockSize));
@@ -79,13 +80,14 @@ std::size_t skipEmptyGroups(const char* text, const EndsFilter& filter, std::siz
 
 /// The needle's first place from `position` to `lastPlace`, which must lie at least a block from the text's
 /// start.
-std::size_t scan(const char* text, std::string_view needle, std::size_t position, std::size_t lastPlace) {
+std::size_t scan(std::string_view text, std::string_view needle, std::size_t position,
+                 std::size_t lastPlace) {
   const EndsFilter filter(needle);
   while (position + blockSize - 1 <= lastPlace) {
     position = skipEmptyGroups(text, filter, position, lastPlace);
     for (int block = 0; block < 4 && position + blockSize - 1 <= lastPlace; ++block, position += blockSize) {
       const std::size_t match =
-          firstMatch(text, needle, position, bitsOf(filter.candidates(text + position)));
+          firstMatch(text, needle, position, bitsOf(filter.candidates(text.data() + position)));
       if (match != std::string_view::npos)
         return match;
     }
@@ -95,7 +97,7 @@ std::size_t scan(const char* text, std::string_view needle, std::size_t position
   // The last block overlaps what was looked at already; those places are left out.
   const std::size_t lastBlock = lastPlace - (blockSize - 1);
   const unsigned fresh = ~0U << (position - lastBlock);
-  return firstMatch(text, needle, lastBlock, bitsOf(filter.candidates(text + lastBlock)) & fresh);
+  return firstMatch(text, needle, lastBlock, bitsOf(filter.candidates(text.data() + lastBlock)) & fresh);
 }
 
 #endif
@@ -116,7 +118,7 @@ std::size_t findBytes(std::string_view text, std::string_view needle, std::size_
   const std::size_t lastPlace = text.size() - needle.size();
 #ifdef __SSE2__
   if (lastPlace + 1 >= blockSize)
-    return scan(text.data(), needle, from, lastPlace);
+    return scan(text, needle, from, lastPlace);
 #endif
   std::size_t position = from;
   while (position <= lastPlace) {

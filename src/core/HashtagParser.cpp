@@ -71,7 +71,7 @@ std::string leadingTag(std::string_view token) {
 /// Where the hashtag in progress begins (its "#"). Only the last "#" can begin it, because no tag holds one,
 /// and it is one token, so a long text costs no more than a short one.
 std::optional<std::size_t> beginOfHashtagInProgress(std::string_view text) {
-  const void* lastSign = memrchr(text.data(), '#', text.size());
+  const void* lastSign = text.empty() ? nullptr : memrchr(text.data(), '#', text.size());
   if (lastSign == nullptr)
     return std::nullopt;
   const auto begin = static_cast<std::size_t>(static_cast<const char*>(lastSign) - text.data());

@@ -41,6 +41,7 @@ TEST(HashtagParserTest, CompletesTheTagBeingTyped) {
       {"Meeting #wo", "wo", "Meeting #work "},
       {"Meeting #", "", "Meeting #work "},
       {"", std::nullopt, "#work "},
+      {std::string_view(), std::nullopt, "#work "},
       {"Meeting", std::nullopt, "Meeting#work "},
       {"Meeting #wo ", std::nullopt, "Meeting #wo #work "},
       {"#wo\n", std::nullopt, "#wo\n#work "},
