@@ -12,12 +12,21 @@ namespace notlet {
 
 namespace {
 
+/// The locale of a name as the environment gives it, "de_DE.UTF-8". ICU has no locale "C" and would take its
+/// default one.
+icu::Locale localeNamed(std::string_view name) {
+  const std::string_view language = name.substr(0, name.find('.'));
+  if (language == "C" || language == "POSIX")
+    return {"en_US_POSIX"};
+  return icu::Locale::createCanonical(std::string(name).c_str());
+}
+
 /// The locale that the environment names for dates, which may differ from the one for messages.
 icu::Locale localeForDates() {
   for (const char* variable : {"LC_ALL", "LC_TIME", "LANG"}) {
     const char* name = std::getenv(variable);
     if (name != nullptr && *name != '\0')
-      return icu::Locale::createCanonical(name);
+      return localeNamed(name);
   }
   return icu::Locale::getDefault();
 }
@@ -60,7 +69,7 @@ DateFormatting::DateFormatting() : m_formatters(std::make_unique<Formatters>(loc
 }
 
 DateFormatting::DateFormatting(const std::string& locale, const std::string& timeZone)
-    : m_formatters(std::make_unique<Formatters>(icu::Locale::createCanonical(locale.c_str()))) {
+    : m_formatters(std::make_unique<Formatters>(localeNamed(locale))) {
   for (icu::DateFormat* format : {m_formatters->day.get(), m_formatters->timeOfDay.get()}) {
     if (format != nullptr)
       format->adoptTimeZone(icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(timeZone)));
