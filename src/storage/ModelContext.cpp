@@ -175,14 +175,14 @@ void ModelContext::adopt(std::vector<NotletEntry> newestFirst, ListChange::Kind 
 StoreResult<void> ModelContext::beginLoading() {
   // Noted before the first page: what is written after this is found as a change.
   const StoreResult<std::int64_t> version = m_database->dataVersion();
+  if (!version)
+    return std::unexpected(version.error());
   const StoreResult<std::int64_t> revision = m_database->lastRevision();
+  if (!revision)
+    return std::unexpected(revision.error());
   const StoreResult<std::size_t> estimate = m_database->estimatedCount();
-  for (const StoreError* error :
-       {version ? nullptr : &version.error(), revision ? nullptr : &revision.error(),
-        estimate ? nullptr : &estimate.error()}) {
-    if (error)
-      return std::unexpected(*error);
-  }
+  if (!estimate)
+    return std::unexpected(estimate.error());
   m_seenVersion = *version;
   m_seenRevision = *revision;
   // Growing the table of a million notlets would take longer than a slice may.
@@ -251,25 +251,13 @@ StoreResult<void> ModelContext::followChanges() {
   m_seenRevision = changed->back().revision;
   if (changed->size() == changesAtOnce)
     m_followTimer.start(0);
+  // An older one than all that are loaded may come in, too; its page will find it there.
   std::vector<NotletEntry> entries;
-  for (StoredNotlet& stored : *changed) {
-    if (!isYetToBeLoaded(stored.entry))
-      entries.push_back(std::move(stored.entry));
-  }
+  for (StoredNotlet& stored : *changed)
+    entries.push_back(std::move(stored.entry));
   std::ranges::sort(entries, listedBefore);
   adopt(std::move(entries), ListChange::Kind::Inserted);
   return {};
-}
-
-bool ModelContext::isYetToBeLoaded(const NotletEntry& entry) const {
-  if (m_isComplete || find(entry.id) || m_stored.contains(entry.id))
-    return false;
-  if (!m_loadedUpTo)
-    return true;
-  NotletEntry last;
-  last.createdAt = m_loadedUpTo->createdAt;
-  last.id = m_loadedUpTo->id;
-  return listedBefore(last, entry);
 }
 
 std::size_t ModelContext::storedCount() const {

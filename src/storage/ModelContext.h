@@ -81,7 +81,6 @@ class ModelContext : public QObject {
   void rememberStored(const Uuid& id);
   void forgetUnchanged(const Uuid& id);
   [[nodiscard]] std::size_t storedCount() const;
-  [[nodiscard]] bool isYetToBeLoaded(const NotletEntry& entry) const;
   void adopt(std::vector<NotletEntry> newestFirst, ListChange::Kind kindAtEnd);
   void place(NotletEntry entry);
   void assign(NotletEntry entry);

@@ -43,7 +43,22 @@ StoreResult<void> SqliteConnection::execute(const char* sql) {
 }
 
 void SqliteConnection::setPatience(std::chrono::milliseconds patience) {
-  sqlite3_busy_timeout(handle(), static_cast<int>(patience.count()));
+  m_patience->limit = patience;
+  sqlite3_busy_handler(handle(), &SqliteConnection::waitOnceMore, m_patience.get());
+}
+
+/// SQLite's own handler waits longer and longer, and then a program that saves without pause shuts others
+/// out.
+int SqliteConnection::waitOnceMore(void* patience, int waitsBefore) {
+  constexpr int pauseMilliseconds = 1;
+  auto& [limit, start] = *static_cast<Patience*>(patience);
+  const auto now = std::chrono::steady_clock::now();
+  if (waitsBefore == 0)
+    start = now;
+  if (now - start >= limit)
+    return 0;
+  sqlite3_sleep(pauseMilliseconds);
+  return 1;
 }
 
 bool SqliteConnection::isInPlace() const {

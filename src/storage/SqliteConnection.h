@@ -40,8 +40,15 @@ class SqliteConnection {
     void operator()(sqlite3* handle) const;
   };
 
-  SqliteConnection(sqlite3* handle, std::filesystem::path file) : m_handle(handle), m_file(std::move(file)) {}
+  struct Patience {
+    std::chrono::milliseconds limit{0};
+    std::chrono::steady_clock::time_point start;
+  };
 
+  SqliteConnection(sqlite3* handle, std::filesystem::path file) : m_handle(handle), m_file(std::move(file)) {}
+  static int waitOnceMore(void* patience, int waitsBefore);
+
+  std::unique_ptr<Patience> m_patience = std::make_unique<Patience>();
   std::unique_ptr<sqlite3, Closer> m_handle;
   std::filesystem::path m_file;
 };

@@ -81,6 +81,8 @@ class WriterProcess {
 
 class KillTest : public StoreFixture {
  protected:
+  KillTest() : StoreFixture(Medium::Disk) {}
+
   Contents stored() const {
     Contents contents;
     const auto database = openStore();

@@ -37,6 +37,8 @@ void save(NotletDatabase& database, const ChangeSet& changes) {
 
 int run(const char* store, unsigned seed, int saves) {
   StoreResult<std::unique_ptr<NotletDatabase>> opened = NotletDatabase::open(store, Access::ReadWrite);
+  while (!opened && opened.error().kind == StoreError::Kind::Busy)
+    opened = NotletDatabase::open(store, Access::ReadWrite);
   if (!opened) {
     std::fprintf(stderr, "%s\n", opened.error().message.c_str());
     return 2;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <chrono>
 #include <filesystem>
@@ -24,9 +26,16 @@ inline NotletEntry notletAt(int second, std::string content = "Call Anna") {
   return entry;
 }
 
-/// A folder of its own for each test, and the store in it.
+/// A folder of its own for each test, and the store in it. In memory, where syncing takes no time, unless the
+/// test wants a real disk.
 class StoreFixture : public testing::Test {
  protected:
+  enum class Medium { Memory, Disk };
+
+  explicit StoreFixture(Medium medium = Medium::Memory)
+      : m_folder((medium == Medium::Memory && QFileInfo(memory).isWritable() ? memory : QDir::tempPath()) %
+                 QStringLiteral("/notlet-XXXXXX")) {}
+
   [[nodiscard]] std::filesystem::path folder() const {
     return QFile::encodeName(m_folder.path()).toStdString();
   }
@@ -54,6 +63,8 @@ class StoreFixture : public testing::Test {
   }
 
  private:
+  static inline const QString memory = QStringLiteral("/dev/shm");
+
   QTemporaryDir m_folder;
 };
 
