@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <tuple>
+#include <unordered_set>
 
 namespace notlet {
 namespace {
@@ -12,9 +14,10 @@ using Clock = std::chrono::steady_clock;
 constexpr std::size_t firstPage = 200;
 constexpr std::size_t largestPage = 4096;
 /// Putting the notlets of a slice into the list takes about as long again.
-constexpr auto sliceReading = 1500us;
+constexpr auto sliceReading = 1000us;
 constexpr auto busyPause = 100ms;
 constexpr std::size_t changesAtOnce = 500;
+constexpr std::size_t comparedAtOnce = 2000;
 
 } // namespace
 
@@ -160,10 +163,10 @@ void ModelContext::adopt(std::vector<NotletEntry> newestFirst, ListChange::Kind 
         assign(std::move(entry));
       continue;
     }
-    const std::size_t index = m_list.placeOf(entry);
+    const std::size_t index = m_list.placeOf(entry.createdAt, entry.id);
     if (group.count == 0 || index != group.first + group.count) {
       announce();
-      group.first = m_list.placeOf(entry);
+      group.first = m_list.placeOf(entry.createdAt, entry.id);
     }
     m_tallies.add(entry);
     m_list.insert(std::move(entry));
@@ -228,6 +231,7 @@ void ModelContext::followStore() {
     return handle(version.error(), m_followTimer);
   if (m_seenVersion != *version) {
     m_mayMissDeletions = true;
+    m_comparison.reset();
     if (const StoreResult<void> followed = followChanges(); !followed)
       return handle(followed.error(), m_followTimer);
     if (m_followTimer.isActive())
@@ -238,8 +242,7 @@ void ModelContext::followStore() {
   if (!m_mayMissDeletions || !m_isComplete)
     return;
   if (const StoreResult<void> followed = followDeletions(); !followed)
-    return handle(followed.error(), m_followTimer);
-  m_mayMissDeletions = false;
+    handle(followed.error(), m_followTimer);
 }
 
 StoreResult<void> ModelContext::followChanges() {
@@ -271,29 +274,72 @@ std::size_t ModelContext::storedCount() const {
   return count;
 }
 
+/// Finds what others have deleted, which only its absence tells.
 StoreResult<void> ModelContext::followDeletions() {
-  const StoreResult<std::size_t> count = m_database->count();
-  if (!count)
-    return std::unexpected(count.error());
-  if (*count == storedCount())
-    return {};
-  const StoreResult<std::vector<Uuid>> ids = m_database->allIds();
-  if (!ids)
-    return std::unexpected(ids.error());
-  const auto isGone = [&](const Uuid& id) { return !std::ranges::binary_search(*ids, id); };
-  std::vector<Uuid> gone;
-  for (std::size_t index = 0; index < size(); ++index) {
-    const Uuid& id = at(index).id;
-    if (!m_stored.contains(id) && isGone(id))
-      gone.push_back(id);
+  if (!m_comparison) {
+    const StoreResult<std::size_t> count = m_database->count();
+    if (!count)
+      return std::unexpected(count.error());
+    m_comparison = Comparison{storedCount() - std::min(*count, storedCount()), std::nullopt};
+    if (const StoreResult<void> compared = compareUnsaved(); !compared)
+      return compared;
   }
-  for (const Uuid& id : gone)
-    drop(id);
+  if (m_comparison->missing > 0) {
+    if (const StoreResult<void> compared = compareSlice(); !compared)
+      return compared;
+  }
+  m_mayMissDeletions = m_comparison->missing > 0;
+  if (m_mayMissDeletions)
+    m_followTimer.start(0);
+  else
+    m_comparison.reset();
+  return {};
+}
+
+StoreResult<void> ModelContext::compareUnsaved() {
   for (auto& [id, stored] : m_stored) {
-    if (stored && isGone(id))
-      stored.reset();
+    if (!stored || m_comparison->missing == 0)
+      continue;
+    const StoreResult<std::optional<NotletEntry>> found = m_database->find(id);
+    if (!found)
+      return std::unexpected(found.error());
+    if (found->has_value())
+      continue;
+    stored.reset();
+    --m_comparison->missing;
   }
   std::erase_if(m_stored, [&](const auto& unsaved) { return !unsaved.second && !find(unsaved.first); });
+  return {};
+}
+
+/// Compares a part of the list with the same part of the store.
+StoreResult<void> ModelContext::compareSlice() {
+  const std::optional<ListPosition> after = m_comparison->comparedUpTo;
+  const StoreResult<std::vector<ListPosition>> stored = m_database->positions(comparedAtOnce, after);
+  if (!stored)
+    return std::unexpected(stored.error());
+  const bool isLast = stored->size() < comparedAtOnce;
+  std::unordered_set<Uuid> present;
+  for (const ListPosition& position : *stored)
+    present.insert(position.id);
+  const auto lies = [](const NotletEntry& entry, const ListPosition& position) {
+    return std::tie(position.createdAt, position.id) <=> std::tie(entry.createdAt, entry.id);
+  };
+  std::vector<Uuid> gone;
+  for (std::size_t index = after ? m_list.placeOf(after->createdAt, after->id) : 0; index < size(); ++index) {
+    const NotletEntry& entry = at(index);
+    if (after && lies(entry, *after) == 0)
+      continue;
+    if (!isLast && lies(entry, stored->back()) > 0)
+      break;
+    if (!m_stored.contains(entry.id) && !present.contains(entry.id))
+      gone.push_back(entry.id);
+  }
+  m_comparison->missing = isLast ? 0 : m_comparison->missing - std::min(m_comparison->missing, gone.size());
+  if (!isLast)
+    m_comparison->comparedUpTo = stored->back();
+  for (const Uuid& id : gone)
+    drop(id);
   return {};
 }
 

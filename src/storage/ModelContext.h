@@ -75,6 +75,8 @@ class ModelContext : public QObject {
   void followStore();
   StoreResult<void> followChanges();
   StoreResult<void> followDeletions();
+  StoreResult<void> compareUnsaved();
+  StoreResult<void> compareSlice();
   void handle(const StoreError& error, QTimer& retry);
   void fail(const StoreError& error);
 
@@ -97,7 +99,13 @@ class ModelContext : public QObject {
   bool m_isComplete = false;
   std::int64_t m_seenRevision = 0;
   std::optional<std::int64_t> m_seenVersion;
+  // The search for what is in the list and no longer in the store.
+  struct Comparison {
+    std::size_t missing = 0;
+    std::optional<ListPosition> comparedUpTo;
+  };
   bool m_mayMissDeletions = false;
+  std::optional<Comparison> m_comparison;
   std::optional<StoreError> m_failure;
 
   StoreWatch m_watch;

@@ -86,6 +86,13 @@ std::optional<StoredNotlet> readStored(const SqliteStatement& statement) {
   return StoredNotlet{statement.integer(6), std::move(*entry)};
 }
 
+std::optional<ListPosition> readPosition(const SqliteStatement& statement) {
+  const std::optional<Uuid> id = readId(statement);
+  if (!id)
+    return std::nullopt;
+  return ListPosition{timestamp(statement.integer(1)), *id};
+}
+
 std::optional<std::int64_t> readInteger(const SqliteStatement& statement) {
   return statement.integer(0);
 }
@@ -336,13 +343,14 @@ StoreResult<std::vector<Row>> NotletDatabase::rows(const char* sql,
   }
 }
 
-StoreResult<std::vector<NotletEntry>> NotletDatabase::newest(std::size_t limit,
-                                                             std::optional<ListPosition> after,
-                                                             std::chrono::steady_clock::time_point deadline) {
-  const char* sql = after ? "SELECT " NOTLET_COLUMNS " FROM NotletEntry WHERE (createdAt, id) < (?2, ?3) "
-                            "ORDER BY createdAt DESC, id DESC LIMIT ?1"
-                          : "SELECT " NOTLET_COLUMNS
-                            " FROM NotletEntry ORDER BY createdAt DESC, id DESC LIMIT ?1";
+template<typename Row>
+StoreResult<std::vector<Row>> NotletDatabase::page(const char* columns, std::size_t limit,
+                                                   std::optional<ListPosition> after,
+                                                   std::optional<Row> (*read)(const SqliteStatement&),
+                                                   std::chrono::steady_clock::time_point deadline) {
+  const std::string sql = std::string("SELECT ") + columns + " FROM NotletEntry" +
+                          (after ? " WHERE (createdAt, id) < (?2, ?3)" : "") +
+                          " ORDER BY createdAt DESC, id DESC LIMIT ?1";
   const auto bind = [&](SqliteStatement& statement) {
     statement.bind(1, static_cast<std::int64_t>(limit));
     if (after) {
@@ -350,7 +358,19 @@ StoreResult<std::vector<NotletEntry>> NotletDatabase::newest(std::size_t limit,
       statement.bindBytes(3, bytesOf(after->id));
     }
   };
-  return rows<NotletEntry>(sql, bind, readEntry, deadline);
+  return rows<Row>(sql.c_str(), bind, read, deadline);
+}
+
+StoreResult<std::vector<NotletEntry>> NotletDatabase::newest(std::size_t limit,
+                                                             std::optional<ListPosition> after,
+                                                             std::chrono::steady_clock::time_point deadline) {
+  return page<NotletEntry>(NOTLET_COLUMNS, limit, after, readEntry, deadline);
+}
+
+StoreResult<std::vector<ListPosition>> NotletDatabase::positions(std::size_t limit,
+                                                                 std::optional<ListPosition> after) {
+  return page<ListPosition>("id, createdAt", limit, after, readPosition,
+                            std::chrono::steady_clock::time_point::max());
 }
 
 StoreResult<std::optional<NotletEntry>> NotletDatabase::find(const Uuid& id) {

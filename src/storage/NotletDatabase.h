@@ -57,6 +57,9 @@ class NotletDatabase {
   [[nodiscard]] StoreResult<std::vector<NotletEntry>>
   newest(std::size_t limit, std::optional<ListPosition> after = {},
          std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::time_point::max());
+  /// The places of up to `limit` notlets in the same order, read without their contents.
+  [[nodiscard]] StoreResult<std::vector<ListPosition>> positions(std::size_t limit,
+                                                                 std::optional<ListPosition> after = {});
   [[nodiscard]] StoreResult<std::optional<NotletEntry>> find(const Uuid& id);
   /// In ascending order. The prefix is that of an identifier's text form; hyphens and letter case are free.
   [[nodiscard]] StoreResult<std::vector<Uuid>> idsBeginningWith(std::string_view prefix);
@@ -87,6 +90,10 @@ class NotletDatabase {
   StoreResult<std::int64_t> write(const ChangeSet& changes, bool& commitWasTried);
   StoreResult<void> writeRows(const ChangeSet& changes);
   StoreResult<bool> holds(const ChangeSet& changes);
+  template<typename Row>
+  StoreResult<std::vector<Row>>
+  page(const char* columns, std::size_t limit, std::optional<ListPosition> after,
+       std::optional<Row> (*read)(const SqliteStatement&), std::chrono::steady_clock::time_point deadline);
   StoreResult<std::int64_t> readNumber(const char* sql);
   StoreResult<std::size_t> readSize(const char* sql);
   template<typename Row>

@@ -14,25 +14,31 @@ std::optional<std::size_t> NotletList::indexOf(const Uuid& id) const {
   const NotletEntry* entry = find(id);
   if (!entry)
     return std::nullopt;
-  return size() - 1 - static_cast<std::size_t>(placeInOrder(*entry) - m_order.begin());
+  return size() - 1 - static_cast<std::size_t>(placeInOrder(entry->createdAt, id) - m_order.begin());
 }
 
-std::size_t NotletList::placeOf(const NotletEntry& entry) const {
-  return size() - static_cast<std::size_t>(placeInOrder(entry) - m_order.begin());
+std::size_t NotletList::placeOf(Timestamp createdAt, const Uuid& id) const {
+  const auto place = placeInOrder(createdAt, id);
+  const std::size_t olderCount = static_cast<std::size_t>(place - m_order.begin());
+  const bool isThere = place != m_order.end() && (*place)->id == id && (*place)->createdAt == createdAt;
+  return size() - olderCount - (isThere ? 1 : 0);
 }
 
-NotletList::Order::const_iterator NotletList::placeInOrder(const NotletEntry& entry) const {
-  if (m_order.empty() || listedBefore(entry, *m_order.back()))
+/// Where the notlet is, or the first that is newer.
+NotletList::Order::const_iterator NotletList::placeInOrder(Timestamp createdAt, const Uuid& id) const {
+  const auto isOlder = [](const NotletEntry* entry, Timestamp time, const Uuid& other) {
+    return entry->createdAt != time ? entry->createdAt < time : entry->id < other;
+  };
+  if (m_order.empty() || isOlder(m_order.back(), createdAt, id))
     return m_order.end();
-  if (listedBefore(*m_order.front(), entry))
+  if (!isOlder(m_order.front(), createdAt, id))
     return m_order.begin();
-  return std::ranges::lower_bound(m_order, &entry, [](const NotletEntry* left, const NotletEntry* right) {
-    return listedBefore(*right, *left);
-  });
+  return std::partition_point(m_order.begin(), m_order.end(),
+                              [&](const NotletEntry* entry) { return isOlder(entry, createdAt, id); });
 }
 
 std::size_t NotletList::insert(NotletEntry entry) {
-  const auto place = placeInOrder(entry);
+  const auto place = placeInOrder(entry.createdAt, entry.id);
   const std::size_t index = size() - static_cast<std::size_t>(place - m_order.begin());
   const Uuid id = entry.id;
   const NotletEntry& owned = m_notlets.emplace(id, std::move(entry)).first->second;
@@ -46,7 +52,7 @@ NotletEntry NotletList::replace(NotletEntry entry) {
 
 NotletEntry NotletList::take(const Uuid& id) {
   const auto found = m_notlets.find(id);
-  m_order.erase(placeInOrder(found->second));
+  m_order.erase(placeInOrder(found->second.createdAt, id));
   NotletEntry entry = std::move(found->second);
   m_notlets.erase(found);
   return entry;

@@ -19,8 +19,8 @@ class NotletList {
   [[nodiscard]] const NotletEntry& at(std::size_t index) const { return *m_order[size() - 1 - index]; }
   [[nodiscard]] const NotletEntry* find(const Uuid& id) const;
   [[nodiscard]] std::optional<std::size_t> indexOf(const Uuid& id) const;
-  /// The index that the notlet would get.
-  [[nodiscard]] std::size_t placeOf(const NotletEntry& entry) const;
+  /// The index that a notlet created at that time with that identifier has or would get.
+  [[nodiscard]] std::size_t placeOf(Timestamp createdAt, const Uuid& id) const;
 
   /// Adds a notlet whose identifier is not in the list and gives its index.
   std::size_t insert(NotletEntry entry);
@@ -35,7 +35,7 @@ class NotletList {
   // loaded later.
   using Order = std::deque<const NotletEntry*>;
 
-  [[nodiscard]] Order::const_iterator placeInOrder(const NotletEntry& entry) const;
+  [[nodiscard]] Order::const_iterator placeInOrder(Timestamp createdAt, const Uuid& id) const;
 
   std::unordered_map<Uuid, NotletEntry> m_notlets;
   Order m_order;

@@ -206,10 +206,17 @@ TEST_F(ModelContextTest, whatOthersWriteAppearsWithinASecond) {
   EXPECT_TRUE(waitFor([&] { return !context->find(entries[2].id); }, 1s));
   expectAgreesWithStore(*context);
   std::vector<NotletEntry> many;
-  for (int number = 0; number < 1700; ++number)
+  for (int number = 0; number < 7000; ++number)
     many.push_back(notletAt(100 + number));
   storeElsewhere(many);
-  EXPECT_TRUE(waitFor([&] { return context->size() == 1711; }, 1s));
+  EXPECT_TRUE(waitFor([&] { return context->size() == 7011; }, 1s));
+  expectAgreesWithStore(*context);
+  // The ends of the slices in which the list is compared are the places to go wrong.
+  std::vector<Uuid> deletions;
+  for (const std::size_t index : {0, 1998, 1999, 2000, 2001, 2002, 3999, 4000, 4001, 5000, 7010})
+    deletions.push_back(context->at(index).id);
+  storeElsewhere({}, deletions);
+  EXPECT_TRUE(waitFor([&] { return context->size() == 7000; }, 1s));
   expectAgreesWithStore(*context);
 }
 
