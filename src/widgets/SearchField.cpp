@@ -46,7 +46,9 @@ SearchField::SearchField(const QString& placeholder, const QString& clearName, Q
     Q_EMIT textChanged(text);
   });
   connect(m_clear, &IconButton::clicked, this, [this] {
-    m_lineEdit->setFocus();
+    // The button is about to go, and must not take the keyboard with it.
+    if (m_clear->hasFocus())
+      m_lineEdit->setFocus();
     m_lineEdit->clear();
   });
 }

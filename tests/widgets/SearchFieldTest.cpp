@@ -3,6 +3,7 @@
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QTest>
+#include <QVBoxLayout>
 #include <gmock/gmock.h>
 
 #include "widgets/IconButton.h"
@@ -37,15 +38,27 @@ TEST(SearchFieldTest, TheClearButtonComesWithTheTextAndEmptiesIt) {
   EXPECT_THAT(changes, SizeIs(5));
 }
 
-TEST(SearchFieldTest, ClearingByKeyboardKeepsTheKeyboardInTheField) {
+TEST(SearchFieldTest, TheClearButtonLeavesTheKeyboardWhereItIsUnlessItHadIt) {
   QWidget window;
-  auto* field = new SearchField(QStringLiteral("Search notlets"), QStringLiteral("Clear search"), &window);
+  auto* layout = new QVBoxLayout(&window);
+  auto* field = new SearchField(QStringLiteral("Search notlets"), QStringLiteral("Clear search"));
+  auto* other = new QLineEdit;
+  layout->addWidget(field);
+  layout->addWidget(other);
   window.show();
   window.activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  auto* clear = field->findChild<IconButton*>();
+
   field->setText(QStringLiteral("anna"));
-  field->findChild<IconButton*>()->setFocus();
-  QTest::keyClick(field->findChild<IconButton*>(), Qt::Key_Return);
+  other->setFocus();
+  QTest::mouseClick(clear, Qt::LeftButton);
+  EXPECT_EQ(field->text(), QString());
+  EXPECT_TRUE(other->hasFocus());
+
+  field->setText(QStringLiteral("anna"));
+  clear->setFocus();
+  QTest::keyClick(clear, Qt::Key_Return);
   EXPECT_TRUE(field->lineEdit()->hasFocus());
 }
 
