@@ -3,8 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
-
-#include "core/Rgb.h"
+#include <string_view>
 
 namespace notlet {
 

@@ -14,8 +14,14 @@ namespace {
 
 constexpr int textWidth = 320;
 
+/// File names in messages have no spaces to break a line at.
+QString breakable(QString text) {
+  return text.replace(QLatin1Char('/'), QStringLiteral("/\u200B"));
+}
+
 QLabel* makeLabel(const QString& text, TextStyle style) {
-  auto* label = new QLabel(text);
+  auto* label = new QLabel(breakable(text));
+  label->setAccessibleName(text);
   label->setTextFormat(Qt::PlainText);
   label->setFont(textFont(style));
   label->setWordWrap(true);

@@ -116,7 +116,8 @@ void paintSymbol(QPainter& painter, Symbol symbol, const QRect& rect, const QCol
   const int side = qMin(rect.width(), rect.height());
   QRect square(0, 0, side, side);
   square.moveCenter(rect.center());
-  painter.drawPixmap(square, symbolPixmap(symbol, side, color, painter.device()->devicePixelRatioF()));
+  painter.drawPixmap(square.topLeft(),
+                     symbolPixmap(symbol, side, color, painter.device()->devicePixelRatioF()));
 }
 
 QIcon symbolQIcon(Symbol symbol, const QColor& color) {

@@ -49,6 +49,17 @@ TEST_F(AlertTest, AssistiveTechnologyHearsTitleAndText) {
   EXPECT_EQ(alert->findChild<QAbstractButton*>()->text(), QStringLiteral("OK"));
 }
 
+TEST_F(AlertTest, ALongFileNameIsShownWhole) {
+  const QString path = QStringLiteral("/home/somebody") + QStringLiteral("/folder").repeated(40);
+  Alert* alert = opened(Alert::message(&container, title, path));
+  for (const QLabel* label : alert->findChildren<QLabel*>()) {
+    const QRect needed =
+        label->fontMetrics().boundingRect(label->contentsRect(), Qt::TextWordWrap, label->text());
+    EXPECT_LE(needed.width(), label->width());
+    EXPECT_LE(needed.height(), label->height());
+  }
+}
+
 TEST_F(AlertTest, ReturnAndEscapeCloseAMessageForGood) {
   for (const auto key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space, Qt::Key_Escape}) {
     SCOPED_TRACE(key);
