@@ -70,6 +70,9 @@ void DraftKeeper::keep(std::string text) {
     return;
   m_pending = std::move(text);
   m_isPending = true;
+  // What was saved must not come back, however soon after the program ends.
+  if (m_pending.empty())
+    return write();
   if (m_isScheduled)
     return;
   m_isScheduled = true;

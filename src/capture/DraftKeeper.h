@@ -14,7 +14,7 @@ namespace notlet {
 /// Keeps the text that is being typed on one surface in a file of its own, so that it survives a crash.
 ///
 /// The file holds the bare text in UTF-8. It is written half a second after the first key that it lacks, away
-/// from the main thread, and removed once the text is empty.
+/// from the main thread, and removed as soon as the text is empty.
 class DraftKeeper : public QObject {
   Q_OBJECT
 

@@ -37,6 +37,7 @@ class VirtualDesktop:
         self.programs = programs
         self.size = size
         self.children = []
+        self.pipes = []
         self.root = tempfile.mkdtemp(prefix="notlet-journey-")
         home = os.path.join(self.root, "home")
         self.environment = {
@@ -77,6 +78,7 @@ class VirtualDesktop:
             self.environment["DISPLAY"] = ":" + numbers.readline().strip()
         bus = self.start(["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"],
                          stdout=subprocess.PIPE)
+        self.pipes.append(bus.stdout)
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().decode().strip()
         self.start(["openbox"])
         await_value(lambda: "window id" in self.output("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"),
@@ -91,6 +93,8 @@ class VirtualDesktop:
     def close(self):
         for child in reversed(self.children):
             self.end(child)
+        for pipe in self.pipes:
+            pipe.close()
         shutil.rmtree(self.root, ignore_errors=True)
 
     def start(self, command, **options):
