@@ -98,17 +98,26 @@ TEST_F(JsonFileDefaultsTest, AFileThatCannotBeReadIsSetAsideBeforeItIsOverwritte
 }
 
 TEST_F(JsonFileDefaultsTest, AFailedWriteKeepsTheValueAndTheNextWriteBringsItToTheDisk) {
-  std::ofstream(folder() / "state") << "a file where the folder belongs";
-  JsonFileDefaults defaults(file());
-  const auto failed = defaults.setString("id", "nord");
-  ASSERT_FALSE(failed);
-  EXPECT_THAT(failed.error().message, testing::EndsWith("."));
-  EXPECT_EQ(defaults.string("id"), "nord");
-  EXPECT_FALSE(defaults.setString("id", "nord")) << "still not on the disk";
+  const std::vector<std::pair<const char*, std::filesystem::path>> obstacles = {
+      {"where the folder belongs", folder() / "state"},
+      {"where the file belongs", file() / "occupied"},
+  };
+  for (const auto& [where, obstacle] : obstacles) {
+    SCOPED_TRACE(where);
+    std::filesystem::remove_all(folder() / "state");
+    JsonFileDefaults defaults(file());
+    std::filesystem::create_directories(obstacle.parent_path());
+    std::ofstream(obstacle) << "in the way";
+    const auto failed = defaults.setString("id", "nord");
+    ASSERT_FALSE(failed);
+    EXPECT_THAT(failed.error().message, testing::EndsWith("."));
+    EXPECT_EQ(defaults.string("id"), "nord");
+    EXPECT_FALSE(defaults.setString("id", "nord")) << "still not on the disk";
 
-  std::filesystem::remove(folder() / "state");
-  EXPECT_TRUE(defaults.setInteger("version", 1));
-  EXPECT_EQ(JsonFileDefaults(file()).string("id"), "nord");
+    std::filesystem::remove_all(folder() / "state");
+    EXPECT_TRUE(defaults.setString("id", "nord"));
+    EXPECT_EQ(JsonFileDefaults(file()).string("id"), "nord");
+  }
 }
 
 TEST_F(JsonFileDefaultsTest, WithoutAFolderValuesLastForTheRun) {
