@@ -112,7 +112,7 @@ QColor mixed(const QColor& from, const QColor& to, double amount) {
 }
 
 double contrastRatio(const QColor& left, const QColor& right) {
-  const auto [darker, lighter] = std::minmax(luminance(left), luminance(right));
+  const auto [darker, lighter] = std::minmax({luminance(left), luminance(right)});
   return (lighter + 0.05) / (darker + 0.05);
 }
 
