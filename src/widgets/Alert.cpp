@@ -7,6 +7,7 @@
 
 #include "widgets/TextButton.h"
 #include "widgets/TextStyle.h"
+#include "widgets/ThemePalette.h"
 
 namespace notlet {
 
@@ -38,7 +39,7 @@ QAccessibleInterface* accessibleAlert(const QString&, QObject* object) {
 } // namespace
 
 Alert::Alert(QWidget* parent, const QString& title, const QString& text)
-    : QDialog(parent), m_buttons(new QHBoxLayout) {
+    : QDialog(parent), m_rows(new QVBoxLayout(this)), m_buttons(new QHBoxLayout) {
   [[maybe_unused]] static const bool isInstalled = (QAccessible::installFactory(accessibleAlert), true);
   setAttribute(Qt::WA_DeleteOnClose);
   setAttribute(Qt::WA_WindowPropagation);
@@ -46,20 +47,28 @@ Alert::Alert(QWidget* parent, const QString& title, const QString& text)
   setAccessibleName(title);
   setAccessibleDescription(text);
 
-  auto* layout = new QVBoxLayout(this);
-  layout->setContentsMargins(24, 24, 24, 20);
-  layout->setSpacing(8);
-  layout->setSizeConstraint(QLayout::SetFixedSize);
-  layout->addWidget(makeLabel(title, TextStyle::headline));
-  layout->addWidget(makeLabel(text, TextStyle::body));
-  layout->addSpacing(12);
-  layout->addLayout(m_buttons);
+  m_rows->setContentsMargins(24, 24, 24, 20);
+  m_rows->setSpacing(8);
+  m_rows->setSizeConstraint(QLayout::SetFixedSize);
+  m_rows->addWidget(makeLabel(title, TextStyle::headline));
+  m_rows->addWidget(makeLabel(text, TextStyle::body));
+  m_rows->addSpacing(12);
+  m_rows->addLayout(m_buttons);
   m_buttons->setSpacing(8);
   m_buttons->addStretch();
 }
 
-Alert* Alert::message(QWidget* parent, const QString& title, const QString& text) {
+void Alert::addReason(const QString& reason) {
+  auto* label = makeLabel(reason, TextStyle::caption);
+  label->setForegroundRole(ThemeRole::secondaryText);
+  constexpr int belowTheText = 2;
+  m_rows->insertWidget(belowTheText, label);
+}
+
+Alert* Alert::message(QWidget* parent, const QString& title, const QString& text, const QString& reason) {
   auto* alert = new Alert(parent, title, text);
+  if (!reason.isEmpty())
+    alert->addReason(reason);
   auto* ok = new TextButton(tr("OK"), TextButton::Look::primary);
   alert->m_buttons->addWidget(ok);
   connect(ok, &TextButton::clicked, alert, &Alert::accept);

@@ -3,6 +3,7 @@
 #include <QDialog>
 
 class QHBoxLayout;
+class QVBoxLayout;
 
 namespace notlet {
 
@@ -15,8 +16,9 @@ class Alert : public QDialog {
   Q_OBJECT
 
  public:
-  /// A message with one button, "OK".
-  [[nodiscard]] static Alert* message(QWidget* parent, const QString& title, const QString& text);
+  /// A message with one button, "OK". The reason, in smaller print, is for whoever has to mend what failed.
+  [[nodiscard]] static Alert* message(QWidget* parent, const QString& title, const QString& text,
+                                      const QString& reason = {});
   /// A question whose Cancel has the focus, beside a red button that carries out what was asked.
   [[nodiscard]] static Alert* destructiveQuestion(QWidget* parent, const QString& title, const QString& text,
                                                   const QString& action);
@@ -24,6 +26,9 @@ class Alert : public QDialog {
  private:
   Alert(QWidget* parent, const QString& title, const QString& text);
 
+  void addReason(const QString& reason);
+
+  QVBoxLayout* m_rows;
   QHBoxLayout* m_buttons;
 };
 

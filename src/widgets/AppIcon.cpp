@@ -35,7 +35,8 @@ QPixmap appIconPixmap(int side, AppIconTone tone) {
 
 QIcon appIcon(AppIconTone tone) {
   QIcon icon;
-  for (const int side : {16, 22, 24, 32, 48, 64, 128, 256, 512})
+  // Larger ones would go through the X server at every start and are scaled down again there.
+  for (const int side : {16, 22, 24, 32, 48, 64})
     icon.addPixmap(appIconPixmap(side, tone));
   return icon;
 }

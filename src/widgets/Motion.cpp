@@ -41,16 +41,27 @@ FadeEffect::FadeEffect(QWidget* target)
   target->setGraphicsEffect(m_opacity);
   target->hide();
   m_animation->setEasingCurve(Motion::curve());
-  connect(m_animation, &QPropertyAnimation::finished, m_target, [this] { m_target->setVisible(m_isShown); });
+  connect(m_animation, &QPropertyAnimation::finished, this, &FadeEffect::settle);
+}
+
+/// An effect costs a picture of the widget at every painting, so it is in force only while something fades.
+void FadeEffect::settle() {
+  m_opacity->setOpacity(m_isShown ? 1.0 : 0.0);
+  m_opacity->setEnabled(!m_isShown);
+  m_target->setVisible(m_isShown);
 }
 
 void FadeEffect::setShown(bool shown) {
   if (shown == m_isShown)
     return;
   m_isShown = shown;
+  m_animation->stop();
+  // In a window that is not there yet, nobody sees anything come or go.
+  if (!m_target->window()->isVisible())
+    return settle();
+  m_opacity->setEnabled(true);
   if (shown)
     m_target->show();
-  m_animation->stop();
   m_animation->setDuration(static_cast<int>(Motion::duration(m_target).count()));
   m_animation->setStartValue(m_opacity->opacity());
   m_animation->setEndValue(shown ? 1.0 : 0.0);

@@ -33,6 +33,8 @@ class FadeEffect : public QObject {
   [[nodiscard]] bool isShown() const { return m_isShown; }
 
  private:
+  void settle();
+
   QWidget* m_target;
   QGraphicsOpacityEffect* m_opacity;
   QPropertyAnimation* m_animation;

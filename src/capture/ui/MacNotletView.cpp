@@ -147,7 +147,8 @@ void MacNotletView::renderSaveAlert() {
   if (!state.saveError || m_alertIsOpen)
     return;
   m_alertIsOpen = true;
-  auto* alert = Alert::message(this, QStringLiteral("Unable to save notlet"), fromUtf8(*state.saveError));
+  auto* alert = Alert::message(this, QStringLiteral("Unable to save notlet"), fromUtf8(*state.saveError),
+                               fromUtf8(state.saveFailureReason));
   connect(alert, &QDialog::finished, this, [this] {
     m_alertIsOpen = false;
     m_composer.dismissSaveError();

@@ -1,9 +1,16 @@
 #include "platform/linux/SingleInstance.h"
 
-#include <QDeadlineTimer>
-#include <QLocalSocket>
-#include <QThread>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+
+#include <cerrno>
 #include <chrono>
+#include <cstring>
+#include <thread>
 
 #include "platform/DurableFile.h"
 
@@ -11,73 +18,113 @@ namespace notlet {
 
 namespace {
 
-constexpr std::chrono::seconds patience{3};
-constexpr int answerMilliseconds = 1000;
-const QByteArray activateRequest = "activate\n";
-const QByteArray answer = "ok\n";
+using std::chrono_literals::operator""ms;
 
-QString pathIn(const std::filesystem::path& directory, const char* name) {
-  return QString::fromStdString((directory / name).string());
+constexpr auto patience = 3000ms;
+constexpr auto pauseBetweenTries = 20ms;
+constexpr int waitingConnections = 16;
+constexpr char answerByte = '!';
+
+// Sockets are plain system calls here: the network library would take a tenth of the whole start to load.
+
+std::string reason() {
+  return std::strerror(errno);
+}
+
+/// The address of the socket file; nothing when the path is longer than an address may be.
+std::optional<sockaddr_un> addressOf(const std::filesystem::path& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  const std::string text = path.string();
+  if (text.size() >= sizeof address.sun_path)
+    return std::nullopt;
+  std::memcpy(address.sun_path, text.c_str(), text.size() + 1);
+  return address;
+}
+
+const sockaddr* generic(const sockaddr_un& address) {
+  return reinterpret_cast<const sockaddr*>(&address);
+}
+
+Descriptor openSocket(int flags) {
+  return Descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0));
 }
 
 } // namespace
 
 SingleInstance::SingleInstance(std::optional<std::filesystem::path> directory, QObject* parent)
     : QObject(parent), m_directory(std::move(directory)) {
-  m_server.setSocketOptions(QLocalServer::UserAccessOption);
-  connect(&m_server, &QLocalServer::newConnection, this, &SingleInstance::acceptConnection);
 }
+
+SingleInstance::~SingleInstance() = default;
 
 Result<SingleInstance::Role> SingleInstance::start() {
   if (!m_directory)
     return Role::First;
   if (const auto made = makePrivateDirectory(*m_directory); !made)
     return std::unexpected(made.error());
-  m_lock = std::make_unique<QLockFile>(pathIn(*m_directory, "notlet.lock"));
-  m_lock->setStaleLockTime(0); // Only a dead owner makes the lock stale, however long a living one runs.
   // The first instance may hold the lock already but not listen yet.
-  const QDeadlineTimer deadline(patience);
+  const auto deadline = std::chrono::steady_clock::now() + patience;
   do {
-    if (m_lock->tryLock(0))
+    const auto locked = lock();
+    if (!locked)
+      return std::unexpected(locked.error());
+    if (*locked)
       return listen();
     if (handOver())
       return Role::HandedOver;
-    QThread::msleep(20);
-  } while (!deadline.hasExpired());
+    std::this_thread::sleep_for(pauseBetweenTries);
+  } while (std::chrono::steady_clock::now() < deadline);
   return failure("Notlet is already running but does not answer.");
 }
 
-bool SingleInstance::handOver() const {
-  QLocalSocket socket;
-  socket.connectToServer(pathIn(*m_directory, "notlet.socket"));
-  if (!socket.waitForConnected(answerMilliseconds))
+Result<bool> SingleInstance::lock() {
+  const std::filesystem::path file = *m_directory / "notlet.lock";
+  m_lock = Descriptor(open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+  if (!m_lock.isOpen())
+    return failure("The lock file " + file.string() + " could not be opened: " + reason() + ".");
+  if (flock(m_lock.number(), LOCK_EX | LOCK_NB) == 0)
+    return true;
+  if (errno == EWOULDBLOCK)
     return false;
-  socket.write(activateRequest);
-  return socket.waitForReadyRead(answerMilliseconds) && socket.readAll() == answer;
+  return failure("The lock file " + file.string() + " could not be locked: " + reason() + ".");
+}
+
+bool SingleInstance::handOver() const {
+  const auto address = addressOf(*m_directory / "notlet.socket");
+  const Descriptor socket = openSocket(0);
+  if (!address || ::connect(socket.number(), generic(*address), sizeof *address) != 0)
+    return false;
+  pollfd waiting{socket.number(), POLLIN, 0};
+  char received = 0;
+  return poll(&waiting, 1, static_cast<int>(patience.count())) == 1 &&
+         read(socket.number(), &received, 1) == 1 && received == answerByte;
 }
 
 Result<SingleInstance::Role> SingleInstance::listen() {
-  const QString path = pathIn(*m_directory, "notlet.socket");
-  QLocalServer::removeServer(path); // Left behind by an instance that was killed; the lock is ours.
-  if (!m_server.listen(path))
-    return failure("Notlet could not listen for later starts: " + m_server.errorString().toStdString() + ".");
+  const std::filesystem::path path = *m_directory / "notlet.socket";
+  const auto address = addressOf(path);
+  if (!address)
+    return failure("The path " + path.string() + " is too long for a socket.");
+  unlink(path.c_str()); // Left behind by an instance that is gone; the lock is ours.
+  m_socket = openSocket(SOCK_NONBLOCK);
+  // The directory is private, so nobody else can connect before the mode is set.
+  if (bind(m_socket.number(), generic(*address), sizeof *address) != 0 || chmod(path.c_str(), 0600) != 0 ||
+      ::listen(m_socket.number(), waitingConnections) != 0)
+    return failure("The socket " + path.string() + " could not be opened: " + reason() + ".");
+  m_notifier = std::make_unique<QSocketNotifier>(m_socket.number(), QSocketNotifier::Read);
+  connect(m_notifier.get(), &QSocketNotifier::activated, this, &SingleInstance::answer);
   return Role::First;
 }
 
-void SingleInstance::acceptConnection() {
-  while (QLocalSocket* socket = m_server.nextPendingConnection()) {
-    connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-    connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
-      if (!socket->canReadLine())
-        return;
-      if (socket->readLine(activateRequest.size() + 1) != activateRequest) {
-        socket->abort();
-        return;
-      }
-      socket->write(answer);
-      socket->disconnectFromServer();
-      Q_EMIT activationRequested();
-    });
+void SingleInstance::answer() {
+  for (;;) {
+    const Descriptor connection(accept4(m_socket.number(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
+    if (!connection.isOpen())
+      return;
+    // Whoever hangs up early has asked all the same.
+    [[maybe_unused]] const ssize_t sent = send(connection.number(), &answerByte, 1, MSG_NOSIGNAL);
+    Q_EMIT activationRequested();
   }
 }
 

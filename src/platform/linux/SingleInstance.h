@@ -1,18 +1,22 @@
 #pragma once
 
-#include <QLocalServer>
-#include <QLockFile>
 #include <QObject>
+#include <QSocketNotifier>
 #include <filesystem>
 #include <memory>
 #include <optional>
 
 #include "core/Error.h"
+#include "platform/linux/Descriptor.h"
 
 namespace notlet {
 
 /// Makes sure that one program at a time serves a user: the first start owns a lock and a socket, any later
 /// one hands over through it.
+///
+/// A connection is the whole message: whoever connects asks the first instance to come forward and gets one
+/// byte as an answer. The kernel drops lock and socket with the process, so a crash leaves nothing that
+/// matters.
 class SingleInstance : public QObject {
   Q_OBJECT
 
@@ -21,6 +25,7 @@ class SingleInstance : public QObject {
 
   /// `directory` holds lock and socket; without one every start is a first.
   explicit SingleInstance(std::optional<std::filesystem::path> directory, QObject* parent = nullptr);
+  ~SingleInstance() override;
 
   /// Becomes the first instance or asks the first to come forward. Fails when another instance holds the
   /// lock but does not answer within three seconds.
@@ -31,13 +36,15 @@ class SingleInstance : public QObject {
   void activationRequested();
 
  private:
+  [[nodiscard]] Result<bool> lock();
   [[nodiscard]] bool handOver() const;
   [[nodiscard]] Result<Role> listen();
-  void acceptConnection();
+  void answer();
 
   std::optional<std::filesystem::path> m_directory;
-  std::unique_ptr<QLockFile> m_lock;
-  QLocalServer m_server;
+  Descriptor m_lock;
+  Descriptor m_socket;
+  std::unique_ptr<QSocketNotifier> m_notifier;
 };
 
 } // namespace notlet
