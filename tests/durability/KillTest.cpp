@@ -43,6 +43,8 @@ class WriterProcess {
   WriterProcess& operator=(const WriterProcess&) = delete;
   ~WriterProcess() { ::close(m_output); }
 
+  int confirmations = 0;
+
   [[nodiscard]] pid_t pid() const { return m_pid; }
   void waitUntilItWrites() const {
     pollfd output{m_output, POLLIN, 0};
@@ -65,14 +67,16 @@ class WriterProcess {
   }
 
  private:
-  static void take(const std::string& line, Contents& confirmed, Contents& attempted) {
+  void take(const std::string& line, Contents& confirmed, Contents& attempted) {
     constexpr std::size_t idLength = 36;
-    if (line == ".")
+    if (line == ".") {
       confirmed = attempted;
-    else if (line.front() == '+')
+      ++confirmations;
+    } else if (line.front() == '+') {
       attempted[Uuid::parse(line.substr(1, idLength)).value()] = line.substr(idLength + 2);
-    else
+    } else {
       attempted.erase(Uuid::parse(line.substr(1)).value());
+    }
   }
 
   pid_t m_pid = 0;
@@ -101,21 +105,22 @@ TEST_F(KillTest, nothingConfirmedIsLostNorComesBack) {
   std::mt19937 random(7);
   Contents confirmed;
   Contents attempted;
-  std::size_t most = 0;
+  int answered = 0;
   int unanswered = 0;
   for (int round = 0; round < kills; ++round) {
     WriterProcess writer(store(), static_cast<unsigned>(round), 1'000'000);
-    std::this_thread::sleep_for(std::chrono::microseconds(1000 + random() % 60'000));
+    writer.waitUntilItWrites();
+    std::this_thread::sleep_for(std::chrono::microseconds(random() % 40'000));
     writer.kill();
     writer.finish(confirmed, attempted);
+    answered += writer.confirmations;
     const Contents found = stored();
     ASSERT_FALSE(HasFailure()) << "round " << round;
     ASSERT_TRUE(found == confirmed || found == attempted) << "round " << round;
     unanswered += confirmed != attempted ? 1 : 0;
-    most = std::max(most, confirmed.size());
     confirmed = found;
   }
-  EXPECT_GT(most, 50) << "the writers were killed before they had written anything";
+  EXPECT_GT(answered, kills / 2) << "the writers were killed before they had written anything";
   EXPECT_GT(unanswered, kills / 10) << "hardly any was killed within a save";
 }
 
@@ -151,10 +156,10 @@ TEST_F(KillTest, twoProcessesWriteAtOnceAndTheListFollows) {
       contents.emplace(context.at(index).id, context.at(index).content);
     return contents;
   };
-  const auto end = std::chrono::steady_clock::now() + 1s;
+  const auto end = std::chrono::steady_clock::now() + 5s;
   while (listed() != expected && std::chrono::steady_clock::now() < end)
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 20);
-  EXPECT_EQ(listed(), expected) << "within a second";
+  EXPECT_EQ(listed(), expected);
 }
 
 } // namespace
