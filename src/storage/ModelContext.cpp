@@ -129,9 +129,10 @@ void ModelContext::assign(NotletEntry entry) {
     drop(id);
     return place(std::move(entry));
   }
+  const std::size_t index = m_list.placeOf(entry.createdAt, id);
   m_tallies.add(entry);
   m_tallies.remove(m_list.replace(std::move(entry)));
-  Q_EMIT listChanged({ListChange::Kind::Updated, *indexOf(id), 1});
+  Q_EMIT listChanged({ListChange::Kind::Updated, index, 1});
 }
 
 void ModelContext::drop(const Uuid& id) {
@@ -231,7 +232,7 @@ void ModelContext::followStore() {
     return handle(version.error(), m_followTimer);
   if (m_seenVersion != *version) {
     m_mayMissDeletions = true;
-    m_comparison.reset();
+    m_comparison = {};
     if (const StoreResult<void> followed = followChanges(); !followed)
       return handle(followed.error(), m_followTimer);
     if (m_followTimer.isActive())
@@ -276,29 +277,29 @@ std::size_t ModelContext::storedCount() const {
 
 /// Finds what others have deleted, which only its absence tells.
 StoreResult<void> ModelContext::followDeletions() {
-  if (!m_comparison) {
+  if (!m_comparison.isUnderWay) {
     const StoreResult<std::size_t> count = m_database->count();
     if (!count)
       return std::unexpected(count.error());
-    m_comparison = Comparison{storedCount() - std::min(*count, storedCount()), std::nullopt};
+    m_comparison = {true, storedCount() - std::min(*count, storedCount()), std::nullopt};
     if (const StoreResult<void> compared = compareUnsaved(); !compared)
       return compared;
   }
-  if (m_comparison->missing > 0) {
+  if (m_comparison.missing > 0) {
     if (const StoreResult<void> compared = compareSlice(); !compared)
       return compared;
   }
-  m_mayMissDeletions = m_comparison->missing > 0;
+  m_mayMissDeletions = m_comparison.missing > 0;
   if (m_mayMissDeletions)
     m_followTimer.start(0);
   else
-    m_comparison.reset();
+    m_comparison = {};
   return {};
 }
 
 StoreResult<void> ModelContext::compareUnsaved() {
   for (auto& [id, stored] : m_stored) {
-    if (!stored || m_comparison->missing == 0)
+    if (!stored || m_comparison.missing == 0)
       continue;
     const StoreResult<std::optional<NotletEntry>> found = m_database->find(id);
     if (!found)
@@ -306,7 +307,7 @@ StoreResult<void> ModelContext::compareUnsaved() {
     if (found->has_value())
       continue;
     stored.reset();
-    --m_comparison->missing;
+    --m_comparison.missing;
   }
   std::erase_if(m_stored, [&](const auto& unsaved) { return !unsaved.second && !find(unsaved.first); });
   return {};
@@ -314,7 +315,7 @@ StoreResult<void> ModelContext::compareUnsaved() {
 
 /// Compares a part of the list with the same part of the store.
 StoreResult<void> ModelContext::compareSlice() {
-  const std::optional<ListPosition> after = m_comparison->comparedUpTo;
+  const std::optional<ListPosition> after = m_comparison.comparedUpTo;
   const StoreResult<std::vector<ListPosition>> stored = m_database->positions(comparedAtOnce, after);
   if (!stored)
     return std::unexpected(stored.error());
@@ -335,9 +336,9 @@ StoreResult<void> ModelContext::compareSlice() {
     if (!m_stored.contains(entry.id) && !present.contains(entry.id))
       gone.push_back(entry.id);
   }
-  m_comparison->missing = isLast ? 0 : m_comparison->missing - std::min(m_comparison->missing, gone.size());
+  m_comparison.missing = isLast ? 0 : m_comparison.missing - std::min(m_comparison.missing, gone.size());
   if (!isLast)
-    m_comparison->comparedUpTo = stored->back();
+    m_comparison.comparedUpTo = stored->back();
   for (const Uuid& id : gone)
     drop(id);
   return {};

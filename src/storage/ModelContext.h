@@ -101,11 +101,12 @@ class ModelContext : public QObject {
   std::optional<std::int64_t> m_seenVersion;
   // The search for what is in the list and no longer in the store.
   struct Comparison {
+    bool isUnderWay = false;
     std::size_t missing = 0;
     std::optional<ListPosition> comparedUpTo;
   };
   bool m_mayMissDeletions = false;
-  std::optional<Comparison> m_comparison;
+  Comparison m_comparison;
   std::optional<StoreError> m_failure;
 
   StoreWatch m_watch;

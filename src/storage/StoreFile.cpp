@@ -32,7 +32,7 @@ std::int32_t bigEndian(std::span<const unsigned char> bytes) {
 
 sqlite3_file* fileOf(const SqliteConnection& connection) {
   sqlite3_file* file = nullptr;
-  sqlite3_file_control(connection.handle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+  sqlite3_file_control(connection.handle(), "main", SQLITE_FCNTL_FILE_POINTER, static_cast<void*>(&file));
   return file;
 }
 
@@ -99,7 +99,10 @@ StoreResult<void> checkStoreHeader(const SqliteConnection& connection) {
 }
 
 StoreResult<void> makeStorePrivate(const fs::path& file) {
-  for (const fs::path& path : {file, fs::path(file.string() + "-journal")}) {
+  // The journal lies beside the file itself, not beside a link to it.
+  std::error_code ignored;
+  const fs::path target = fs::weakly_canonical(file, ignored);
+  for (const fs::path& path : {target, fs::path(target.string() + "-journal")}) {
     struct stat status{};
     if (::stat(path.c_str(), &status) != 0)
       continue;

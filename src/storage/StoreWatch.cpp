@@ -7,10 +7,12 @@ namespace notlet {
 using namespace std::chrono_literals;
 
 StoreWatch::StoreWatch(const std::filesystem::path& store, QObject* parent) : QObject(parent) {
-  const std::filesystem::path folder = store.has_parent_path() ? store.parent_path() : ".";
+  // The journal lies beside the file itself, not beside a link to it.
+  std::error_code ignored;
+  const std::filesystem::path file = std::filesystem::weakly_canonical(store, ignored);
   // A save ends with the journal: shortened when it is there, made in the folder when it is not.
   for (const std::filesystem::path& path :
-       {folder, store, std::filesystem::path(store.string() + "-journal")})
+       {file.parent_path(), file, std::filesystem::path(file.string() + "-journal")})
     m_paths.append(QFile::decodeName(path.c_str()));
   m_pause.setSingleShot(true);
   m_pause.setInterval(20ms);

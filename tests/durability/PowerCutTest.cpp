@@ -111,12 +111,12 @@ class PowerCutTest : public StoreFixture {
     }
   }
 
-  Outcome cutPower(int times, bool ignoresSyncs, unsigned seed) {
+  Outcome cutPower(int times, SimulatedDisk::Lie lie, unsigned seed) {
     std::mt19937 random(seed);
     std::ignore = openStore();
     SimulatedDisk disk;
     disk.copyIn(store());
-    disk.setIgnoresSyncs(ignoresSyncs);
+    disk.setLie(lie);
     Writer writer(random);
     Outcome outcome;
     for (int cut = 0; cut < times; ++cut) {
@@ -144,7 +144,7 @@ class PowerCutTest : public StoreFixture {
 TEST_F(PowerCutTest, nothingConfirmedIsLostAndNothingDamaged) {
   for (const unsigned seed : {1U, 2U, 3U}) {
     SCOPED_TRACE(seed);
-    const Outcome outcome = cutPower(200, false, seed);
+    const Outcome outcome = cutPower(200, SimulatedDisk::Lie::None, seed);
     EXPECT_EQ(outcome.losses, 0);
     EXPECT_EQ(outcome.damages, 0);
     std::filesystem::remove(store());
@@ -155,13 +155,28 @@ TEST_F(PowerCutTest, lossesAreSeenOnADiskThatDoesNotSync) {
   int losses = 0;
   int damages = 0;
   for (unsigned seed = 1; seed <= 10; ++seed) {
-    const Outcome outcome = cutPower(20, true, seed);
+    const Outcome outcome = cutPower(20, SimulatedDisk::Lie::AnySync, seed);
     losses += outcome.losses;
     damages += outcome.damages;
     std::filesystem::remove(store());
   }
   EXPECT_GT(losses, 0);
   EXPECT_GT(damages, 0);
+}
+
+TEST_F(PowerCutTest, theFirstSaveMakesSureOfItsJournal) {
+  using Lie = SimulatedDisk::Lie;
+  const auto harmed = [this](Lie lie) {
+    int count = 0;
+    for (unsigned seed = 1; seed <= 200; ++seed) {
+      const Outcome outcome = cutPower(1, lie, seed);
+      count += outcome.losses + outcome.damages;
+      std::filesystem::remove(store());
+    }
+    return count;
+  };
+  EXPECT_EQ(harmed(Lie::None), 0);
+  EXPECT_GT(harmed(Lie::FolderSync), 0) << "a disk that forgets new files does harm, and that is seen";
 }
 
 } // namespace

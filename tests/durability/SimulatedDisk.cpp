@@ -138,12 +138,13 @@ int SimulatedDisk::Calls::truncate(sqlite3_file* file, sqlite3_int64 size) {
 
 int SimulatedDisk::Calls::sync(sqlite3_file* file, int /*flags*/) {
   const Verdict verdict = handle(file).disk->beginOperation(true);
-  if ((verdict == Verdict::Normal || verdict == Verdict::AllTheSame) && !handle(file).disk->m_ignoresSyncs) {
+  if ((verdict == Verdict::Normal || verdict == Verdict::AllTheSame) &&
+      handle(file).disk->m_lie != Lie::AnySync) {
     File& synced = *handle(file).file;
     synced.synced = synced.current;
     synced.unsynced.clear();
     // SQLite's own files sync the folder together with a new journal.
-    synced.isInFolder = true;
+    synced.isInFolder = synced.isInFolder || handle(file).disk->m_lie == Lie::None;
   }
   return verdict == Verdict::Normal ? SQLITE_OK : SQLITE_IOERR_FSYNC;
 }

@@ -26,8 +26,9 @@ class SimulatedDisk {
 
   /// Puts a file of the real disk here, synced.
   void copyIn(const std::filesystem::path& file);
-  /// A disk that says it has synced and has not.
-  void setIgnoresSyncs(bool ignores) { m_ignoresSyncs = ignores; }
+  /// What a sync only pretends to do.
+  enum class Lie { None, AnySync, FolderSync };
+  void setLie(Lie lie) { m_lie = lie; }
 
   /// Opens of new files, writes, shortenings and syncs since the last call of one of the following.
   [[nodiscard]] int operationCount() const { return m_operationCount; }
@@ -72,7 +73,7 @@ class SimulatedDisk {
   std::map<std::string, std::shared_ptr<File>> m_files;
   std::unique_ptr<sqlite3_vfs> m_vfs;
   sqlite3_vfs* m_real = nullptr;
-  bool m_ignoresSyncs = false;
+  Lie m_lie = Lie::None;
   bool m_isOff = false;
   bool m_hasFailed = false;
   int m_operationCount = 0;
