@@ -33,7 +33,10 @@ class FailingDiskTest : public StoreFixture {
       entries.push_back(context.at(index));
     return entries;
   }
-  std::vector<NotletEntry> stored() const { return openStore()->newest(100).value(); }
+  std::vector<NotletEntry> stored() const {
+    const auto database = openStore();
+    return database ? database->newest(100).value_or(std::vector<NotletEntry>()) : std::vector<NotletEntry>();
+  }
 
   /// Lets the save's n-th operation fail; false when it has fewer.
   bool tryFailure(int operation, Fault fault, bool retries) {
