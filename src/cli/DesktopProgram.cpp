@@ -27,6 +27,7 @@ class DetachedSpawn {
     sigset_t signals;
     ::sigemptyset(&signals);
     ::sigaddset(&signals, SIGPIPE);
+    ::sigaddset(&signals, SIGXFSZ);
     ::posix_spawnattr_init(&m_attributes);
     ::posix_spawnattr_setsigdefault(&m_attributes, &signals);
     ::posix_spawnattr_setflags(&m_attributes, static_cast<short>(POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGDEF));

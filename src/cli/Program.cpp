@@ -51,7 +51,9 @@ CommandResult<void> run(std::span<const std::string_view> arguments) {
 
 int runProgram(std::span<const std::string_view> arguments) noexcept {
   occupyStandardStreams();
+  // What writing meets, it tells.
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   // Tells how wide characters are; the language of the messages does not depend on it.
   std::setlocale(LC_CTYPE, "C.UTF-8");
   try {
