@@ -93,9 +93,10 @@ CommandResult<NotletEntry> CommandStore::find(std::string_view idBeginning) {
   StoreResult<std::optional<NotletEntry>> found = patiently([&] { return m_database->find(*id); });
   if (!found)
     return std::unexpected(found.error());
-  if (!*found)
+  std::optional<NotletEntry> notlet = std::move(*found);
+  if (!notlet)
     return commandFailure("The notlet was deleted by another program in this moment.");
-  return std::move(**found);
+  return std::move(*notlet);
 }
 
 CommandResult<std::vector<Uuid>> CommandStore::allIds() {

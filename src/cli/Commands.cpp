@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <set>
 #include <string>
+#include <tuple>
 
 #include "cli/CommandStore.h"
 #include "cli/Input.h"
@@ -25,10 +26,17 @@ std::string joined(std::span<const std::string> words) {
   return text;
 }
 
+/// A terminal that nobody hears of this can still be typed into.
+void askForText() {
+  Output terminal(STDERR_FILENO);
+  terminal.writeLine("Type the text; Control+D on a line of its own ends it.");
+  std::ignore = terminal.flush();
+}
+
 CommandResult<std::string> typedText(std::span<const std::string> words) {
   const bool comesFromInput = words.empty() || (words.size() == 1 && words.front() == "-");
   if (comesFromInput && ::isatty(STDIN_FILENO) == 1)
-    Output(STDERR_FILENO).writeLine("Type the text; Control+D on a line of its own ends it.");
+    askForText();
   CommandResult<std::string> text = comesFromInput ? readStandardInput() : joined(words);
   if (text && !isValidUtf8(*text))
     return commandFailure("The text is not UTF-8; nothing was stored.");

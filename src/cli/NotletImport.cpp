@@ -201,7 +201,7 @@ CommandResult<std::vector<NotletEntry>> parseNotlets(std::string_view text) {
   const char* reached = text.data();
   Receiver receiver(text, reached);
   const char* const end = text.data() + text.size();
-  if (!json::sax_parse(TrackedIterator(text.data(), reached), TrackedIterator(end, reached), &receiver))
+  if (!json::sax_parse(TrackedIterator(reached, reached), TrackedIterator(end, reached), &receiver))
     return commandFailure(std::move(receiver.complaint));
   return std::move(receiver.notlets);
 }

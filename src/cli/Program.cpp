@@ -7,6 +7,7 @@
 #include <csignal>
 #include <exception>
 #include <new>
+#include <tuple>
 
 #include "cli/CommandLine.h"
 #include "cli/Commands.h"
@@ -30,8 +31,12 @@ int report(const CommandError& error) {
   Output output(STDERR_FILENO);
   output.write("notlet: ");
   output.writeLine(error.message);
-  static_cast<void>(output.flush());
+  std::ignore = output.flush();
   return error.status;
+}
+
+bool storesSomething(Verb verb) {
+  return verb == Verb::Add || verb == Verb::Edit || verb == Verb::Import;
 }
 
 CommandResult<void> run(std::span<const std::string_view> arguments) {
@@ -44,6 +49,8 @@ CommandResult<void> run(std::span<const std::string_view> arguments) {
   const CommandResult<void> done = runCommand(*line, output);
   // What was found before a failure is of use too, but the failure is what matters.
   CommandResult<void> flushed = output.flush();
+  if (done && !flushed && storesSomething(line->verb))
+    return commandFailure("The change was stored, but could not be reported. " + flushed.error().message);
   return done ? flushed : done;
 }
 

@@ -273,7 +273,10 @@ TEST_F(ProgramTest, reportsOutputThatCannotBeWritten) {
     else
       EXPECT_EQ(notlet.run(words).status, 0); // No tags, nothing to write.
   }
-  ::close(notlet.outputDescriptor);
+  // A script that tries again would store the note twice.
+  expectFailure({"add", "another"}, 1, "The change was stored");
+  ::close(std::exchange(notlet.outputDescriptor, -1));
+  EXPECT_EQ(contents({"list"}), (std::vector<std::string>{"another", "text"}));
 }
 
 TEST_F(ProgramTest, stopsQuietlyWhenNobodyReads) {
