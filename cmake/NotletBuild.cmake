@@ -4,7 +4,11 @@ add_library(notlet_build INTERFACE)
 target_include_directories(notlet_build INTERFACE "${CMAKE_SOURCE_DIR}/src")
 target_compile_definitions(notlet_build INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_KEYWORDS QT_USE_QSTRINGBUILDER
+  # Without it every object that merely sees a Qt header needs Qt at run time, the command line's too.
+  QT_NO_VERSION_TAGGING
   $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+# Qt asks for position-independent code; one kind for all lets everything share a precompiled header.
+target_compile_options(notlet_build INTERFACE -fPIC)
 target_compile_options(notlet_build INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough)
 
