@@ -1,7 +1,10 @@
+#include <QCoreApplication>
+#include <QEventLoop>
 #include <csignal>
 #include <fcntl.h>
 #include <fstream>
 #include <gmock/gmock.h>
+#include <map>
 #include <poll.h>
 #include <random>
 #include <spawn.h>

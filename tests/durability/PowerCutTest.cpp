@@ -1,5 +1,6 @@
 #include <QTemporaryDir>
 #include <gmock/gmock.h>
+#include <map>
 
 #include "durability/SimulatedDisk.h"
 #include "storage/StoreFixture.h"

@@ -1,6 +1,7 @@
 #include "durability/SimulatedDisk.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <fstream>
 #include <iterator>

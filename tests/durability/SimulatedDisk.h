@@ -25,7 +25,7 @@ class SimulatedDisk {
   ~SimulatedDisk();
 
   /// Puts a file of the real disk here, synced.
-  void copyIn(const std::filesystem::path& file);
+  void copyIn(const std::filesystem::path& path);
   /// What a sync only pretends to do.
   enum class Lie { None, AnySync, FolderSync };
   void setLie(Lie lie) { m_lie = lie; }

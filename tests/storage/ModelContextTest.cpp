@@ -1,6 +1,7 @@
 #include "storage/ModelContext.h"
 
 #include <QAbstractEventDispatcher>
+#include <QCoreApplication>
 #include <QEventLoop>
 #include <QSignalSpy>
 #include <fstream>
