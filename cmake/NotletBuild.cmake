@@ -40,7 +40,7 @@ if(NOTLET_CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env
     CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime "${NOTLET_CCACHE}")
 endif()
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT CMAKE_DISABLE_PRECOMPILE_HEADERS)
   # Lets ccache hash a precompiled header by its content.
   target_compile_options(notlet_build INTERFACE -fpch-preprocess)
 endif()

@@ -29,6 +29,16 @@ std::string bringToDisk(const std::filesystem::path& file, const std::string& te
   return {};
 }
 
+/// Gives an unreadable draft another name, so that the next one does not overwrite it.
+Error setAside(const std::filesystem::path& file, const std::string& reason) {
+  const auto seconds = std::chrono::floor<std::chrono::seconds>(currentTime()).time_since_epoch().count();
+  std::filesystem::path other = file;
+  other += ".unreadable-" + std::to_string(seconds);
+  std::error_code error;
+  std::filesystem::rename(file, other, error);
+  return Error{error ? reason : reason + " It was set aside as " + other.string() + "."};
+}
+
 } // namespace
 
 DraftKeeper::DraftKeeper(std::optional<std::filesystem::path> directory, const std::string& surface,
@@ -46,23 +56,14 @@ DraftKeeper::~DraftKeeper() {
 Result<std::string> DraftKeeper::restore() {
   if (!m_file)
     return std::string();
-  auto contents = readWholeFile(*m_file, largestDraft);
+  const std::filesystem::path& file = *m_file;
+  auto contents = readWholeFile(file, largestDraft);
   if (!contents)
-    return std::unexpected(setAside(contents.error().message));
-  if (!*contents)
-    return std::string();
-  if (!isValidUtf8(**contents))
-    return std::unexpected(setAside("The draft " + m_file->string() + " is not UTF-8 text."));
-  return std::move(**contents);
-}
-
-Error DraftKeeper::setAside(const std::string& reason) const {
-  const auto seconds = std::chrono::floor<std::chrono::seconds>(currentTime()).time_since_epoch().count();
-  std::filesystem::path other = *m_file;
-  other += ".unreadable-" + std::to_string(seconds);
-  std::error_code error;
-  std::filesystem::rename(*m_file, other, error);
-  return Error{error ? reason : reason + " It was set aside as " + other.string() + "."};
+    return std::unexpected(setAside(file, contents.error().message));
+  std::string text = std::move(*contents).value_or(std::string());
+  if (!isValidUtf8(text))
+    return std::unexpected(setAside(file, "The draft " + file.string() + " is not UTF-8 text."));
+  return text;
 }
 
 void DraftKeeper::keep(std::string text) {
@@ -83,7 +84,7 @@ void DraftKeeper::keep(std::string text) {
 }
 
 void DraftKeeper::write() {
-  if (!m_isPending)
+  if (!m_isPending || !m_file)
     return;
   m_isPending = false;
   m_writer.start([this, file = *m_file, text = std::move(m_pending)] {

@@ -39,7 +39,6 @@ class DraftKeeper : public QObject {
 
  private:
   void write();
-  [[nodiscard]] Error setAside(const std::string& reason) const;
 
   std::optional<std::filesystem::path> m_file;
   Scheduler& m_scheduler;

@@ -6,6 +6,7 @@
 #include <QLabel>
 
 #include "widgets/TextButton.h"
+#include "widgets/TextConversion.h"
 #include "widgets/TextStyle.h"
 #include "widgets/ThemePalette.h"
 
@@ -15,16 +16,12 @@ namespace {
 
 constexpr int textWidth = 320;
 
-/// File names in messages have no spaces to break a line at.
-QString breakable(QString text) {
-  return text.replace(QLatin1Char('/'), QStringLiteral("/\u200B"));
-}
-
 QLabel* makeLabel(const QString& text, TextStyle style) {
-  auto* label = new QLabel(breakable(text));
+  const QFont font = textFont(style);
+  auto* label = new QLabel(breakable(text, QFontMetrics(font), textWidth));
   label->setAccessibleName(text);
   label->setTextFormat(Qt::PlainText);
-  label->setFont(textFont(style));
+  label->setFont(font);
   label->setWordWrap(true);
   label->setFixedWidth(textWidth);
   return label;

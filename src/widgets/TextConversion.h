@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFontMetrics>
 #include <QString>
 #include <string>
 #include <string_view>
@@ -25,5 +26,9 @@ namespace notlet {
 [[nodiscard]] inline QString fromUtf8(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
+
+/// The text with places to break a line in words that are wider than `width` logical pixels, such as paths, which
+/// a label would cut off. Only those words get characters (U+200B) that the text did not have.
+[[nodiscard]] QString breakable(const QString& text, const QFontMetrics& metrics, int width);
 
 } // namespace notlet

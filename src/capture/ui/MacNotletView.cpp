@@ -27,6 +27,7 @@ constexpr int compactBelowHeight = 500;
 constexpr int contentWidth = 560;
 constexpr int tallestCard = 440;
 constexpr int confirmationTop = 40;
+constexpr int narrowestHint = 250;
 
 const QString hintText = QStringLiteral("Return to save · Shift Return for new line");
 
@@ -60,6 +61,7 @@ void MacNotletView::layOut() {
   m_hint->setFont(textFont(TextStyle::caption));
   m_hint->setForegroundRole(ThemeRole::secondaryText);
   m_hint->setWordWrap(true);
+  m_hint->setTextFormat(Qt::PlainText);
   m_save->setShape(IconButton::Shape::round);
   m_save->setSides(28, 36);
   m_save->setRole(ThemeRole::focusRing);
@@ -129,8 +131,7 @@ void MacNotletView::renderInput() {
 void MacNotletView::renderHint() {
   const auto& warning = m_composer.state().draftWarning;
   const QString text = warning.empty() ? hintText : fromUtf8(warning);
-  if (m_hint->text() != text)
-    m_hint->setText(text);
+  m_hint->setText(breakable(text, m_hint->fontMetrics(), narrowestHint));
 }
 
 void MacNotletView::renderFocus() {

@@ -14,9 +14,12 @@ namespace {
 
 constexpr int iconSide = 44;
 constexpr int textWidth = 420;
+constexpr int narrowestText = 310;
 
 QLabel* centredLabel(const QString& text, const QFont& font, QPalette::ColorRole role) {
-  auto* label = new QLabel(text);
+  auto* label = new QLabel(breakable(text, QFontMetrics(font), narrowestText));
+  label->setAccessibleName(text);
+  label->setTextFormat(Qt::PlainText);
   label->setFont(font);
   label->setForegroundRole(role);
   label->setAlignment(Qt::AlignCenter);
