@@ -63,9 +63,11 @@ void JsonFileDefaults::load() {
   if (m_file.empty())
     return;
   const auto contents = readWholeFile(m_file, largestFile);
-  if (contents && !*contents)
+  const std::optional<std::string> text =
+      contents ? *contents : std::string(); // An empty text is no JSON either.
+  if (!text)
     return;
-  Json parsed = contents ? Json::parse(**contents, nullptr, false) : Json(Json::value_t::discarded);
+  Json parsed = Json::parse(*text, nullptr, false);
   m_fileIsUnreadable = !parsed.is_object();
   if (!m_fileIsUnreadable)
     m_entries->object = std::move(parsed);

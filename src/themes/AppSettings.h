@@ -56,7 +56,7 @@ class AppSettings : public QObject {
   void keepUnreadableThemes();
   void addOrReplace(const AppTheme& theme);
   [[nodiscard]] Before before() const;
-  void announce(const Before& before);
+  void announce(const Before& old);
 
   Defaults& m_defaults;
   std::string m_selectedThemeID;

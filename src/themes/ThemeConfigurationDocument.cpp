@@ -106,9 +106,10 @@ Result<ThemeConfigurationDocument> ThemeConfigurationDocument::readFile(const st
   const auto contents = readWholeFile(file, largestFile);
   if (!contents)
     return std::unexpected(contents.error());
-  if (!*contents)
+  const std::optional<std::string>& text = *contents;
+  if (!text)
     return failure("The file " + file.string() + " does not exist.");
-  return read(**contents);
+  return read(*text);
 }
 
 std::string ThemeConfigurationDocument::json() const {

@@ -18,10 +18,8 @@ namespace notlet {
 
 namespace {
 
-using std::chrono_literals::operator""ms;
-
-constexpr auto patience = 3000ms;
-constexpr auto pauseBetweenTries = 20ms;
+constexpr std::chrono::milliseconds patience{3000};
+constexpr std::chrono::milliseconds pauseBetweenTries{20};
 constexpr int waitingConnections = 16;
 constexpr char answerByte = '!';
 
@@ -50,6 +48,18 @@ Descriptor openSocket(int flags) {
   return Descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0));
 }
 
+/// Asks the instance behind the socket to come forward; false when nobody answers.
+bool handOver(const std::filesystem::path& path) {
+  const auto address = addressOf(path);
+  const Descriptor socket = openSocket(0);
+  if (!address || connect(socket.number(), generic(*address), sizeof *address) != 0)
+    return false;
+  pollfd waiting{socket.number(), POLLIN, 0};
+  char received = 0;
+  return poll(&waiting, 1, static_cast<int>(patience.count())) == 1 &&
+         read(socket.number(), &received, 1) == 1 && received == answerByte;
+}
+
 } // namespace
 
 SingleInstance::SingleInstance(std::optional<std::filesystem::path> directory, QObject* parent)
@@ -59,27 +69,29 @@ SingleInstance::SingleInstance(std::optional<std::filesystem::path> directory, Q
 SingleInstance::~SingleInstance() = default;
 
 Result<SingleInstance::Role> SingleInstance::start() {
-  if (!m_directory)
-    return Role::First;
-  if (const auto made = makePrivateDirectory(*m_directory); !made)
+  return m_directory ? startIn(*m_directory) : Role::First;
+}
+
+Result<SingleInstance::Role> SingleInstance::startIn(const std::filesystem::path& directory) {
+  if (const auto made = makePrivateDirectory(directory); !made)
     return std::unexpected(made.error());
+  const std::filesystem::path socket = directory / "notlet.socket";
   // The first instance may hold the lock already but not listen yet.
   const auto deadline = std::chrono::steady_clock::now() + patience;
   do {
-    const auto locked = lock();
+    const auto locked = lock(directory / "notlet.lock");
     if (!locked)
       return std::unexpected(locked.error());
     if (*locked)
-      return listen();
-    if (handOver())
+      return listen(socket);
+    if (handOver(socket))
       return Role::HandedOver;
     std::this_thread::sleep_for(pauseBetweenTries);
   } while (std::chrono::steady_clock::now() < deadline);
   return failure("Notlet is already running but does not answer.");
 }
 
-Result<bool> SingleInstance::lock() {
-  const std::filesystem::path file = *m_directory / "notlet.lock";
+Result<bool> SingleInstance::lock(const std::filesystem::path& file) {
   m_lock = Descriptor(open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
   if (!m_lock.isOpen())
     return failure("The lock file " + file.string() + " could not be opened: " + reason() + ".");
@@ -90,28 +102,16 @@ Result<bool> SingleInstance::lock() {
   return failure("The lock file " + file.string() + " could not be locked: " + reason() + ".");
 }
 
-bool SingleInstance::handOver() const {
-  const auto address = addressOf(*m_directory / "notlet.socket");
-  const Descriptor socket = openSocket(0);
-  if (!address || ::connect(socket.number(), generic(*address), sizeof *address) != 0)
-    return false;
-  pollfd waiting{socket.number(), POLLIN, 0};
-  char received = 0;
-  return poll(&waiting, 1, static_cast<int>(patience.count())) == 1 &&
-         read(socket.number(), &received, 1) == 1 && received == answerByte;
-}
-
-Result<SingleInstance::Role> SingleInstance::listen() {
-  const std::filesystem::path path = *m_directory / "notlet.socket";
-  const auto address = addressOf(path);
+Result<SingleInstance::Role> SingleInstance::listen(const std::filesystem::path& socket) {
+  const auto address = addressOf(socket);
   if (!address)
-    return failure("The path " + path.string() + " is too long for a socket.");
-  unlink(path.c_str()); // Left behind by an instance that is gone; the lock is ours.
+    return failure("The path " + socket.string() + " is too long for a socket.");
+  unlink(socket.c_str()); // Left behind by an instance that is gone; the lock is ours.
   m_socket = openSocket(SOCK_NONBLOCK);
   // The directory is private, so nobody else can connect before the mode is set.
-  if (bind(m_socket.number(), generic(*address), sizeof *address) != 0 || chmod(path.c_str(), 0600) != 0 ||
+  if (bind(m_socket.number(), generic(*address), sizeof *address) != 0 || chmod(socket.c_str(), 0600) != 0 ||
       ::listen(m_socket.number(), waitingConnections) != 0)
-    return failure("The socket " + path.string() + " could not be opened: " + reason() + ".");
+    return failure("The socket " + socket.string() + " could not be opened: " + reason() + ".");
   m_notifier = std::make_unique<QSocketNotifier>(m_socket.number(), QSocketNotifier::Read);
   connect(m_notifier.get(), &QSocketNotifier::activated, this, &SingleInstance::answer);
   return Role::First;

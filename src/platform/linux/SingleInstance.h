@@ -36,9 +36,9 @@ class SingleInstance : public QObject {
   void activationRequested();
 
  private:
-  [[nodiscard]] Result<bool> lock();
-  [[nodiscard]] bool handOver() const;
-  [[nodiscard]] Result<Role> listen();
+  [[nodiscard]] Result<Role> startIn(const std::filesystem::path& directory);
+  [[nodiscard]] Result<bool> lock(const std::filesystem::path& file);
+  [[nodiscard]] Result<Role> listen(const std::filesystem::path& socket);
   void answer();
 
   std::optional<std::filesystem::path> m_directory;
