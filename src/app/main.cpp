@@ -6,6 +6,7 @@
 #include "platform/linux/SingleInstance.h"
 #include "platform/linux/TerminationSignals.h"
 #include "widgets/AppIcon.h"
+#include "widgets/NotletStyle.h"
 
 int main(int argc, char** argv) {
   using namespace notlet;
@@ -35,6 +36,7 @@ int main(int argc, char** argv) {
   if (*role == SingleInstance::Role::HandedOver)
     return 0;
 
+  QApplication::setStyle(new NotletStyle); // The application takes it over.
   QApplication::setWindowIcon(appIcon(AppIconTone::white));
   NotletMacApp app(places);
   QObject::connect(&instance, &SingleInstance::activationRequested, &app, &NotletMacApp::activateMainWindow);

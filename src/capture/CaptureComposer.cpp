@@ -28,12 +28,11 @@ CaptureComposer::CaptureComposer(const Surroundings& surroundings, QObject* pare
                  [this](const CommandObject&) { setInputFocused(false); });
   // The used hashtags may have changed.
   connect(&m_surroundings.modelContext, &ModelContext::listChanged, this, &CaptureComposer::changed);
-  connect(&m_surroundings.draftKeeper, &DraftKeeper::reported, this, [this](const std::string& reason) {
-    update([&](State& state) { state.draftWarning = reason; });
-  });
+  connect(&m_surroundings.draftKeeper, &DraftKeeper::reported, this,
+          [this](const std::string& reason) { update([&](State& state) { state.draftWarning = reason; }); });
 }
 
-template <typename Change>
+template<typename Change>
 void CaptureComposer::update(Change change) {
   State next = m_state;
   change(next);

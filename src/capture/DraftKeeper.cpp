@@ -22,11 +22,10 @@ std::string bringToDisk(const std::filesystem::path& file, const std::string& te
     std::filesystem::remove(file, error);
     return error ? "The draft " + file.string() + " could not be removed: " + error.message() + "." : "";
   }
-  if (const auto made = makePrivateDirectory(file.parent_path()); !made)
-    return made.error().message;
-  if (const auto written = writeDurably(file, text); !written)
-    return written.error().message;
-  return {};
+  auto written = makePrivateDirectory(file.parent_path());
+  if (written)
+    written = writeDurably(file, text);
+  return written ? "" : "What you type is not safe on disk: " + written.error().message;
 }
 
 /// Gives an unreadable draft another name, so that the next one does not overwrite it.

@@ -56,7 +56,8 @@ qsizetype pieceEnd(QStringView paragraph, qsizetype start, qsizetype wanted) {
       return position;
   const qsizetype windowStart = std::max(start, wanted - 256);
   const qsizetype windowLength = std::min<qsizetype>(512, paragraph.size() - windowStart);
-  QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, paragraph.sliced(windowStart, windowLength).toString());
+  QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme,
+                             paragraph.sliced(windowStart, windowLength).toString());
   finder.setPosition(wanted - windowStart);
   if (finder.isAtBoundary())
     return wanted;
@@ -66,7 +67,8 @@ qsizetype pieceEnd(QStringView paragraph, qsizetype start, qsizetype wanted) {
 
 qsizetype lineEnd(QStringView text, qsizetype start) {
   qsizetype end = start;
-  while (end < text.size() && text[end] != u'\n' && text[end] != u'\r' && text[end] != QChar::ParagraphSeparator)
+  while (end < text.size() && text[end] != u'\n' && text[end] != u'\r' &&
+         text[end] != QChar::ParagraphSeparator)
     ++end;
   return end;
 }

@@ -50,8 +50,8 @@ class MacHashtagSuggestionsView : public QWidget {
   /// Where the chips go in a strip of this width; those left out have no entry.
   [[nodiscard]] std::vector<QRect> placement(int width) const;
   void moveFocus(std::ptrdiff_t step);
-  /// Only this chip is reached by Tab.
-  void setTabStop(const QObject* chip);
+  /// Only this chip (or none) is reached by Tab.
+  void setTabStop(const QObject* stop);
 
   std::vector<std::string> m_suggestions;
   OnSelect m_onSelect;

@@ -1,5 +1,6 @@
 #include "widgets/SearchField.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPainter>

@@ -73,7 +73,7 @@ QPixmap render(Symbol symbol, int pixels, const QColor& color) {
 
 class TintedIconEngine : public QIconEngine {
  public:
-  TintedIconEngine(Symbol symbol, QColor color) : m_symbol(symbol), m_color(std::move(color)) {}
+  TintedIconEngine(Symbol symbol, const QColor& color) : m_symbol(symbol), m_color(color) {}
 
   void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
     paintSymbol(*painter, m_symbol, rect, colorFor(mode));

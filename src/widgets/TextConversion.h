@@ -27,8 +27,8 @@ namespace notlet {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-/// The text with places to break a line in words that are wider than `width` logical pixels, such as paths, which
-/// a label would cut off. Only those words get characters (U+200B) that the text did not have.
+/// The text with places to break a line in words that are wider than `width` logical pixels, such as paths,
+/// which a label would cut off. Only those words get characters (U+200B) that the text did not have.
 [[nodiscard]] QString breakable(const QString& text, const QFontMetrics& metrics, int width);
 
 } // namespace notlet

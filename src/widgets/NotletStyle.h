@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QProxyStyle>
+
+namespace notlet {
+
+/// The program's widget style: Fusion, which paints from the palette alone, with slim scroll bars that are
+/// only a thumb.
+class NotletStyle : public QProxyStyle {
+  Q_OBJECT
+
+ public:
+  NotletStyle();
+
+  [[nodiscard]] int pixelMetric(PixelMetric metric, const QStyleOption* option,
+                                const QWidget* widget) const override;
+  [[nodiscard]] QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option,
+                                     SubControl subControl, const QWidget* widget) const override;
+  void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                          const QWidget* widget) const override;
+};
+
+} // namespace notlet
