@@ -58,18 +58,16 @@ void CaptureComposer::appear() {
 void CaptureComposer::restoreDraft() {
   m_draftIsRestored = true;
   auto draft = m_surroundings.draftKeeper.restore();
-  update([&](State& state) {
-    if (draft)
-      state.input = std::move(*draft);
-    else
-      state.draftWarning = draft.error().message;
-  });
+  if (draft)
+    return setInput(std::move(*draft));
+  update([&](State& state) { state.draftWarning = draft.error().message; });
 }
 
 void CaptureComposer::setInput(std::string input) {
   if (input == m_state.input)
     return;
   m_state.input = std::move(input);
+  ++m_inputRevision;
   m_surroundings.draftKeeper.keep(m_state.input);
   Q_EMIT changed();
 }

@@ -47,6 +47,8 @@ class CaptureComposer : public QObject {
   explicit CaptureComposer(const Surroundings& surroundings, QObject* parent = nullptr);
 
   [[nodiscard]] const State& state() const { return m_state; }
+  /// Grows with each change of the input, so that a view need not compare megabytes to see one.
+  [[nodiscard]] std::uint64_t inputRevision() const { return m_inputRevision; }
   /// Hashtags that complete the one being typed at the end of the draft, at most eight, without "#".
   [[nodiscard]] std::vector<std::string> suggestions() const;
 
@@ -63,13 +65,14 @@ class CaptureComposer : public QObject {
   void changed();
 
  private:
-  template <typename Change>
+  template<typename Change>
   void update(Change change);
   void restoreDraft();
   void confirm();
 
   Surroundings m_surroundings;
   State m_state;
+  std::uint64_t m_inputRevision = 0;
   bool m_draftIsRestored = false;
 };
 

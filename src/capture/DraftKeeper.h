@@ -20,8 +20,8 @@ class DraftKeeper : public QObject {
 
  public:
   /// `directory` is made when needed; without one, drafts live as long as the process.
-  DraftKeeper(std::optional<std::filesystem::path> directory, const std::string& surface, Scheduler& scheduler,
-              QObject* parent = nullptr);
+  DraftKeeper(std::optional<std::filesystem::path> directory, const std::string& surface,
+              Scheduler& scheduler, QObject* parent = nullptr);
   /// Writes what is not written yet.
   ~DraftKeeper() override;
 

@@ -90,7 +90,8 @@ QString ExactTextEdit::exactText(int from, int to) const {
   const QList<Separator> separators = separatorsByFormat(*document());
   const bool hasPieces = separators.contains(Separator::Piece);
   const bool hasOnlyNewlines = !hasPieces && !separators.contains(Separator::ParagraphSeparator);
-  text = text.sliced(from, to - from);
+  text.truncate(to);
+  text.remove(0, from);
   if (hasOnlyNewlines)
     return text.replace(QChar::ParagraphSeparator, u'\n');
   for (QTextBlock block = document()->findBlock(from).next(); block.isValid() && block.position() <= to;

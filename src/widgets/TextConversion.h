@@ -8,19 +8,7 @@
 namespace notlet {
 
 /// The text in UTF-8. A lone surrogate, which UTF-8 cannot hold, becomes U+FFFD.
-[[nodiscard]] inline std::string toUtf8(QString text) {
-  if (!text.isValidUtf16()) {
-    for (qsizetype index = 0; index < text.size(); ++index) {
-      if (!text[index].isSurrogate())
-        continue;
-      if (text[index].isHighSurrogate() && index + 1 < text.size() && text[index + 1].isLowSurrogate())
-        ++index;
-      else
-        text[index] = QChar::ReplacementCharacter;
-    }
-  }
-  return text.toStdString();
-}
+[[nodiscard]] std::string toUtf8(QString text);
 
 /// The text of UTF-8; bytes that are not UTF-8 become U+FFFD.
 [[nodiscard]] inline QString fromUtf8(std::string_view text) {

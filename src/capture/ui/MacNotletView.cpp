@@ -3,7 +3,7 @@
 #include <QEvent>
 #include <QFocusEvent>
 #include <QHBoxLayout>
-#include <QShortcut>
+#include <QScopedValueRollback>
 
 #include "widgets/Alert.h"
 #include "widgets/TextConversion.h"
@@ -100,8 +100,9 @@ void MacNotletView::connectHandlers() {
 }
 
 void MacNotletView::takeInput() {
-  m_shownInput = toUtf8(m_editor->exactText());
-  m_composer.setInput(m_shownInput);
+  const QScopedValueRollback isTaking(m_isTakingInput, true);
+  m_composer.setInput(toUtf8(m_editor->exactText()));
+  m_shownRevision = m_composer.inputRevision();
 }
 
 void MacNotletView::render() {
@@ -120,11 +121,12 @@ void MacNotletView::render() {
 }
 
 void MacNotletView::renderInput() {
-  if (m_composer.state().input == m_shownInput)
+  // What comes from the editor is there already.
+  if (m_isTakingInput || m_composer.inputRevision() == m_shownRevision)
     return;
-  m_shownInput = m_composer.state().input;
+  m_shownRevision = m_composer.inputRevision();
   const QSignalBlocker blocker(m_editor);
-  m_editor->setExactText(fromUtf8(m_shownInput));
+  m_editor->setExactText(fromUtf8(m_composer.state().input));
 }
 
 // A warning takes the place of the hint: whoever reads it knows how to save by now.

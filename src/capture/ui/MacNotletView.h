@@ -51,8 +51,9 @@ class MacNotletView : public QWidget {
   QLabel* m_hint;
   IconButton* m_save;
   ConfirmationCapsule* m_confirmation;
-  /// The text that the editor holds, in the composer's form.
-  std::string m_shownInput;
+  /// The revision of the composer's input that the editor holds.
+  std::uint64_t m_shownRevision = 0;
+  bool m_isTakingInput = false;
   bool m_alertIsOpen = false;
 };
 
