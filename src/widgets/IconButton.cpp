@@ -8,7 +8,8 @@ namespace notlet {
 
 namespace {
 
-constexpr double squareRadius = 8;
+/// How much of the accent tints the ground of a selected button.
+constexpr float selectedTint = 0.18F;
 
 } // namespace
 
@@ -33,10 +34,20 @@ void IconButton::setShape(Shape shape) {
   update();
 }
 
-void IconButton::setSides(int symbolSide, int buttonSide) {
+void IconButton::setSides(int symbolSide, QSize buttonSize) {
   m_symbolSide = symbolSide;
-  m_buttonSide = buttonSide;
+  m_buttonSize = buttonSize;
   updateGeometry();
+  update();
+}
+
+void IconButton::setCornerRadius(double radius) {
+  m_cornerRadius = radius;
+  update();
+}
+
+void IconButton::setSelected(bool selected) {
+  m_isSelected = selected;
   update();
 }
 
@@ -51,12 +62,24 @@ void IconButton::setProminent(bool prominent) {
 }
 
 double IconButton::radius() const {
-  return m_shape == Shape::round ? width() / 2.0 : squareRadius;
+  return m_shape == Shape::round ? width() / 2.0 : m_cornerRadius;
+}
+
+QBrush IconButton::ground() const {
+  if (m_isProminent)
+    return palette().brush(ThemeRole::accent);
+  if (!m_isSelected)
+    return quietGround();
+  QColor tint = palette().color(ThemeRole::accent);
+  tint.setAlphaF(selectedTint);
+  return tint;
 }
 
 QColor IconButton::symbolColor() const {
   if (m_isProminent)
     return palette().color(ThemeRole::onAccent);
+  if (m_isSelected)
+    return palette().color(ThemeRole::primaryText);
   // What can be pressed comes forward under the pointer.
   const bool isQuiet = m_role == ThemeRole::secondaryText && isEnabled() && underMouse();
   return palette().color(isQuiet ? ThemeRole::primaryText : m_role);
@@ -66,7 +89,7 @@ void IconButton::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   prepare(painter);
   painter.setPen(Qt::NoPen);
-  painter.setBrush(m_isProminent ? palette().brush(ThemeRole::accent) : quietGround());
+  painter.setBrush(ground());
   const double inset = hasFocus() && m_isProminent ? ringInset : 0;
   painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius() - inset,
                           radius() - inset);

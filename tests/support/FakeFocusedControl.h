@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/FocusedControl.h"
+
+namespace notlet {
+
+/// A focus that the test sets.
+class FakeFocusedControl final : public FocusedControl {
+ public:
+  [[nodiscard]] bool isTextInputFocused() const override { return textInputFocused; }
+  void clearFocus() override { textInputFocused = false; }
+
+  bool textInputFocused = false;
+};
+
+} // namespace notlet
