@@ -4,10 +4,10 @@
 #include <memory>
 
 #include "capture/CaptureComposer.h"
-#include "capture/DraftKeeper.h"
 #include "commands/NotificationCenter.h"
 #include "platform/Clock.h"
 #include "platform/Defaults.h"
+#include "platform/DraftKeeper.h"
 #include "platform/Places.h"
 #include "platform/Scheduler.h"
 #include "shell/ui/MainWindow.h"

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "capture/DraftKeeper.h"
 #include "commands/NotificationCenter.h"
 #include "platform/Clock.h"
+#include "platform/DraftKeeper.h"
 #include "platform/Scheduler.h"
 #include "storage/ModelContext.h"
 

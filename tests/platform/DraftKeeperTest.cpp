@@ -1,4 +1,4 @@
-#include "capture/DraftKeeper.h"
+#include "platform/DraftKeeper.h"
 
 #include <gtest/gtest.h>
 
