@@ -1,0 +1,65 @@
+#include "archive/UnsavedEdits.h"
+
+#include <system_error>
+#include <utility>
+
+namespace notlet {
+
+UnsavedEdits::UnsavedEdits(std::optional<std::filesystem::path> directory, Scheduler& scheduler,
+                           QObject* parent)
+    : QObject(parent), m_directory(std::move(directory)), m_scheduler(scheduler) {
+  if (m_directory)
+    restore();
+}
+
+void UnsavedEdits::restore() {
+  std::error_code error; // A directory that is not there yet holds no edits.
+  for (const auto& file : std::filesystem::directory_iterator(*m_directory, error)) {
+    const auto id = Uuid::parse(file.path().stem().string());
+    if (!id || file.path().filename() != id->text() + ".txt")
+      continue;
+    auto text = keeperOf(*id).restore();
+    if (!text)
+      m_warning = text.error().message;
+    else if (!text->empty())
+      m_texts.emplace(*id, std::move(*text));
+  }
+}
+
+DraftKeeper& UnsavedEdits::keeperOf(const Uuid& id) {
+  auto& keeper = m_keepers[id];
+  if (!keeper) {
+    keeper = std::make_unique<DraftKeeper>(m_directory, id.text(), m_scheduler);
+    connect(keeper.get(), &DraftKeeper::reported, this, &UnsavedEdits::setWarning);
+  }
+  return *keeper;
+}
+
+void UnsavedEdits::setWarning(const std::string& warning) {
+  if (warning == m_warning)
+    return;
+  m_warning = warning;
+  Q_EMIT warningChanged();
+}
+
+const std::string* UnsavedEdits::find(const Uuid& id) const {
+  const auto found = m_texts.find(id);
+  return found == m_texts.end() ? nullptr : &found->second;
+}
+
+void UnsavedEdits::keep(const Uuid& id, std::string text) {
+  keeperOf(id).keep(text);
+  m_texts.insert_or_assign(id, std::move(text));
+}
+
+void UnsavedEdits::forget(const Uuid& id) {
+  if (m_texts.erase(id) > 0)
+    keeperOf(id).keep({});
+}
+
+void UnsavedEdits::flush() {
+  for (const auto& [id, keeper] : m_keepers)
+    keeper->flush();
+}
+
+} // namespace notlet

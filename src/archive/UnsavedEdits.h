@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QObject>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "core/Uuid.h"
+#include "platform/DraftKeeper.h"
+
+namespace notlet {
+
+/// The edited texts of notlets that have not been saved, one file each, so that they survive the closing of
+/// the editor as well as a crash.
+class UnsavedEdits : public QObject {
+  Q_OBJECT
+
+ public:
+  /// Brings back the edits of the last run. Without a directory, edits live as long as the process.
+  UnsavedEdits(std::optional<std::filesystem::path> directory, Scheduler& scheduler,
+               QObject* parent = nullptr);
+
+  /// The kept text, null when there is none.
+  [[nodiscard]] const std::string* find(const Uuid& id) const;
+  /// All kept texts, by the identifier of their notlet.
+  [[nodiscard]] const std::map<Uuid, std::string>& texts() const { return m_texts; }
+
+  /// Why some text is not safe on disk at the moment; empty when all are.
+  [[nodiscard]] const std::string& warning() const { return m_warning; }
+
+  /// Keeps this text from now on, in place of an earlier one.
+  void keep(const Uuid& id, std::string text);
+  void forget(const Uuid& id);
+  /// Writes now what is not written yet and waits for it.
+  void flush();
+
+ Q_SIGNALS:
+  void warningChanged();
+
+ private:
+  void restore();
+  DraftKeeper& keeperOf(const Uuid& id);
+  void setWarning(const std::string& warning);
+
+  std::optional<std::filesystem::path> m_directory;
+  Scheduler& m_scheduler;
+  std::map<Uuid, std::string> m_texts;
+  std::string m_warning;
+  std::map<Uuid, std::unique_ptr<DraftKeeper>> m_keepers;
+};
+
+} // namespace notlet
