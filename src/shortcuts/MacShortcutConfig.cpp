@@ -76,16 +76,17 @@ bool isNestedTooDeeply(std::string_view json) {
   return false;
 }
 
-/// The parser's words without their number. It quotes the file, which may be one long word.
+/// The parser's words without their number. It quotes the file, which may be one long word, and may break off
+/// in the midst of a character.
 std::string complaint(const Json::exception& exception) {
   std::string_view text = exception.what();
   if (const std::size_t end = text.find("] "); text.starts_with('[') && end != std::string_view::npos)
     text.remove_prefix(end + 2);
   std::string words;
   while (!text.empty() && words.size() < longestComplaint) {
-    const std::size_t length = firstCodePoint(text).length;
-    words.append(text.substr(0, length));
-    text.remove_prefix(length);
+    const CodePoint character = firstCodePoint(text);
+    words.append(character.value == U'\uFFFD' ? "\uFFFD" : text.substr(0, character.length));
+    text.remove_prefix(character.length);
   }
   return words + (text.empty() ? "." : "….");
 }
@@ -93,7 +94,8 @@ std::string complaint(const Json::exception& exception) {
 Result<Json> parse(std::string_view json) {
   if (json.size() > MacShortcutConfig::largestFile)
     return failure("The file is too large.");
-  if (!isValidUtf8(json))
+  // The parser would take a null byte for the end of the file.
+  if (!isValidUtf8(json) || json.contains('\0'))
     return failure("The file is not valid UTF-8 text.");
   if (isNestedTooDeeply(json))
     return failure("The file is nested too deeply.");
