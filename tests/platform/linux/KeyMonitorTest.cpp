@@ -1,0 +1,328 @@
+#include "platform/linux/KeyMonitor.h"
+
+#include <QComboBox>
+#include <QDialog>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QShortcut>
+#include <QSignalSpy>
+#include <QSpinBox>
+#include <QTest>
+#include <QTextEdit>
+#include <QVBoxLayout>
+#include <QWindow>
+#include <gmock/gmock.h>
+
+#include "platform/linux/FocusedWidget.h"
+
+namespace notlet {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Optional;
+
+constexpr std::uint32_t shift = KeyModifier::shift;
+constexpr std::uint32_t control = KeyModifier::control;
+
+TEST(KeyPressOf, KeysAreTranslated) {
+  struct Case {
+    std::string name;
+    Qt::Key key;
+    Qt::KeyboardModifiers modifiers;
+    quint32 symbol;
+    KeyPress press;
+  };
+  const std::vector<Case> cases = {
+      {"letter", Qt::Key_J, Qt::NoModifier, 'j', {KeyCode::other, "j", "j", 0}},
+      {"letter with shift", Qt::Key_J, Qt::ShiftModifier, 'J', {KeyCode::other, "J", "j", shift}},
+      {"letter with control", Qt::Key_S, Qt::ControlModifier, 's', {KeyCode::other, "s", "s", control}},
+      {"letter with Alt", Qt::Key_J, Qt::AltModifier, 'j', {KeyCode::other, "j", "j", 0x80000}},
+      {"letter with Super", Qt::Key_J, Qt::MetaModifier, 'j', {KeyCode::other, "j", "j", 0x100000}},
+      {"all modifiers",
+       Qt::Key_J,
+       Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier,
+       'J',
+       {KeyCode::other, "J", "j", 0x1E0000}},
+      {"slash", Qt::Key_Slash, Qt::NoModifier, '/', {KeyCode::other, "/", "/", 0}},
+      {"shifted slash", Qt::Key_Question, Qt::ShiftModifier, '?', {KeyCode::other, "?", "?", shift}},
+      {"space", Qt::Key_Space, Qt::NoModifier, ' ', {KeyCode::other, " ", " ", 0}},
+      {"umlaut", Qt::Key_Adiaeresis, Qt::NoModifier, 0xe4, {KeyCode::other, "ä", "ä", 0}},
+      {"Cyrillic letter", Qt::Key_S, Qt::ControlModifier, 0x6d9, {KeyCode::other, "ы", "s", control}},
+      {"Cyrillic letter that Qt calls by itself",
+       static_cast<Qt::Key>(0x42B),
+       Qt::NoModifier,
+       0x6d9,
+       {KeyCode::other, "ы", "ы", 0}},
+      {"Greek letter", Qt::Key_S, Qt::NoModifier, 0x7f2, {KeyCode::other, "σ", "s", 0}},
+      {"keypad digit", Qt::Key_1, Qt::KeypadModifier, 0xffb1, {KeyCode::other, "1", "1", 0}},
+      {"keypad slash", Qt::Key_Slash, Qt::KeypadModifier, 0xffaf, {KeyCode::other, "/", "/", 0}},
+      {"AltGr, which is not Alt", Qt::Key_At, Qt::GroupSwitchModifier, '@', {KeyCode::other, "@", "@", 0}},
+      {"no key symbol", Qt::Key_J, Qt::ControlModifier, 0, {KeyCode::other, "j", "j", control}},
+      {"no key symbol, beyond 16 bits",
+       static_cast<Qt::Key>(0x1D4B3),
+       Qt::NoModifier,
+       0,
+       {KeyCode::other, "\xF0\x9D\x92\xB3", "\xF0\x9D\x92\xB3", 0}},
+      {"function key", Qt::Key_F5, Qt::NoModifier, 0xffc2, {}},
+      {"function key without symbol", Qt::Key_F5, Qt::NoModifier, 0, {}},
+      {"page key",
+       Qt::Key_PageDown,
+       Qt::ShiftModifier,
+       0xff56,
+       {KeyCode::other, std::nullopt, std::nullopt, shift}},
+      {"tab", Qt::Key_Tab, Qt::NoModifier, 0xff09, {KeyCode::other, "\t", "\t", 0}},
+      {"unknown key", Qt::Key_unknown, Qt::NoModifier, 0, {}},
+      {"no key at all", static_cast<Qt::Key>(0), Qt::NoModifier, 0, {}},
+  };
+  for (const Case& one : cases) {
+    SCOPED_TRACE(one.name);
+    const QKeyEvent event(QEvent::KeyPress, one.key, one.modifiers, 38, one.symbol, 0);
+    const auto press = keyPressOf(event);
+    ASSERT_TRUE(press);
+    EXPECT_EQ(press->keyCode, one.press.keyCode);
+    EXPECT_EQ(press->characters, one.press.characters);
+    EXPECT_EQ(press->latinCharacters, one.press.latinCharacters);
+    EXPECT_EQ(press->modifiers, one.press.modifiers);
+  }
+}
+
+TEST(KeyPressOf, SomeKeysAreKnownByTheirPlace) {
+  struct Case {
+    Qt::Key key;
+    quint32 symbol;
+    std::uint16_t keyCode;
+  };
+  for (const auto& [key, symbol, keyCode] :
+       {Case{Qt::Key_Return, 0xff0d, 36}, Case{Qt::Key_Enter, 0xff8d, 76},
+        Case{Qt::Key_Backspace, 0xff08, 51}, Case{Qt::Key_Escape, 0xff1b, 53},
+        Case{Qt::Key_Left, 0xff51, 123}, Case{Qt::Key_Right, 0xff53, 124}, Case{Qt::Key_Down, 0xff54, 125},
+        Case{Qt::Key_Down, 0xff99, 125}, Case{Qt::Key_Up, 0xff52, 126}}) {
+    const QKeyEvent native(QEvent::KeyPress, key, Qt::NoModifier, 38, symbol, 0);
+    const QKeyEvent plain(QEvent::KeyPress, key, Qt::KeypadModifier);
+    EXPECT_EQ(keyPressOf(native).value().keyCode, keyCode) << key;
+    EXPECT_EQ(keyPressOf(plain).value().keyCode, keyCode) << key;
+  }
+}
+
+// A leader would not survive that the next key is typed with shift.
+TEST(KeyPressOf, ModifiersAreNoKeys) {
+  for (const Qt::Key key :
+       {Qt::Key_Shift, Qt::Key_Control, Qt::Key_Alt, Qt::Key_Meta, Qt::Key_Super_L, Qt::Key_Super_R,
+        Qt::Key_AltGr, Qt::Key_CapsLock, Qt::Key_NumLock, Qt::Key_Mode_switch})
+    EXPECT_EQ(keyPressOf(QKeyEvent(QEvent::KeyPress, key, Qt::NoModifier)), std::nullopt) << key;
+  for (const quint32 symbol : {0xffe1U, 0xffeeU, 0xfe03U, 0xfe08U, 0xfe11U})
+    EXPECT_EQ(keyPressOf(QKeyEvent(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, 50, symbol, 0)),
+              std::nullopt)
+        << symbol;
+}
+
+class KeyMonitorTest : public testing::Test {
+ protected:
+  KeyMonitorTest() {
+    auto* layout = new QVBoxLayout(&window);
+    for (QWidget* child : std::initializer_list<QWidget*>{&line, &plainText, &richText, &button})
+      layout->addWidget(child);
+    window.show();
+    window.activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    line.setFocus();
+  }
+
+  void type(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    QTest::keyClick(QGuiApplication::focusWindow(), key, modifiers);
+  }
+  /// The names of the keys that the handler has seen since the last call.
+  std::vector<std::string> seen() { return std::exchange(m_seen, {}); }
+
+  QWidget window;
+  QLineEdit line;
+  QPlainTextEdit plainText;
+  QTextEdit richText;
+  QPushButton button{QStringLiteral("Button")};
+  bool consumes = false;
+
+ private:
+  bool see(const KeyPress& press) {
+    m_seen.push_back(press.characters.value_or(std::to_string(press.keyCode)));
+    return consumes;
+  }
+
+  std::vector<std::string> m_seen;
+  KeyMonitor m_monitor{[this](const KeyPress& press) { return see(press); }};
+};
+
+TEST_F(KeyMonitorTest, AConsumedKeyReachesNoWidget) {
+  consumes = true;
+  const QSignalSpy clicks(&button, &QPushButton::clicked);
+  const QSignalSpy entered(&line, &QLineEdit::returnPressed);
+  struct Case {
+    Qt::Key key;
+    Qt::KeyboardModifiers modifiers;
+  };
+  for (const auto& [key, modifiers] :
+       {Case{Qt::Key_J, Qt::NoModifier}, Case{Qt::Key_J, Qt::MetaModifier}, Case{Qt::Key_J, Qt::AltModifier},
+        Case{Qt::Key_A, Qt::ControlModifier}, Case{Qt::Key_Return, Qt::NoModifier}}) {
+    for (QWidget* focus : std::initializer_list<QWidget*>{&line, &plainText, &richText, &button}) {
+      focus->setFocus();
+      type(key, modifiers);
+      EXPECT_EQ(seen().size(), 1U);
+    }
+  }
+  EXPECT_EQ(line.text() + plainText.toPlainText() + richText.toPlainText(), QString());
+  EXPECT_EQ(clicks.count() + entered.count(), 0);
+}
+
+TEST_F(KeyMonitorTest, OtherKeysAreTypedOnce) {
+  for (QWidget* focus : std::initializer_list<QWidget*>{&line, &plainText, &richText}) {
+    focus->setFocus();
+    type(Qt::Key_J);
+    type(Qt::Key_K);
+    EXPECT_THAT(seen(), ElementsAre("j", "k"));
+  }
+  EXPECT_EQ(line.text(), u"jk");
+  EXPECT_EQ(plainText.toPlainText(), u"jk");
+  EXPECT_EQ(richText.toPlainText(), u"jk");
+}
+
+// A key that nobody wants goes on to the parents of the focused control; the handler has seen it already.
+TEST_F(KeyMonitorTest, AKeyThatTravelsUpwardsIsSeenOnce) {
+  button.setFocus();
+  type(Qt::Key_F5);
+  type(Qt::Key_X);
+  EXPECT_EQ(seen().size(), 2U);
+}
+
+TEST_F(KeyMonitorTest, AConsumedKeyFiresNoShortcut) {
+  const QShortcut shortcut(QKeySequence(Qt::CTRL | Qt::Key_S), &window);
+  const QSignalSpy fired(&shortcut, &QShortcut::activated);
+  consumes = true;
+  type(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(fired.count(), 0);
+  EXPECT_THAT(seen(), ElementsAre("s"));
+  consumes = false;
+  type(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(fired.count(), 1);
+  EXPECT_THAT(seen(), ElementsAre("s"));
+}
+
+TEST_F(KeyMonitorTest, RepeatsAreSeenAndModifiersAreNot) {
+  QTest::keyPress(window.windowHandle(), Qt::Key_Control, Qt::ControlModifier);
+  QTest::keyPress(window.windowHandle(), Qt::Key_Shift, Qt::ShiftModifier);
+  EXPECT_THAT(seen(), IsEmpty());
+  for (int count = 0; count < 3; ++count)
+    QTest::simulateEvent(window.windowHandle(), true, Qt::Key_Down, Qt::NoModifier, QString(), count > 0);
+  EXPECT_EQ(seen().size(), 3U);
+}
+
+TEST_F(KeyMonitorTest, KeysAreLeftToAnInputMethodThatComposes) {
+  consumes = true;
+  for (QWidget* focus : std::initializer_list<QWidget*>{&line, &plainText, &richText}) {
+    focus->setFocus();
+    QInputMethodEvent composes(QStringLiteral("かな"), {});
+    QCoreApplication::sendEvent(focus, &composes);
+    type(Qt::Key_Escape);
+    EXPECT_THAT(seen(), IsEmpty()) << focus->metaObject()->className();
+    QInputMethodEvent commits;
+    commits.setCommitString(QStringLiteral("仮名"));
+    QCoreApplication::sendEvent(focus, &commits);
+    type(Qt::Key_Escape);
+    EXPECT_EQ(seen().size(), 1U) << focus->metaObject()->className();
+  }
+
+  // What one control still holds is nothing to another, and goes with the text.
+  line.setFocus();
+  QInputMethodEvent composes(QStringLiteral("かな"), {});
+  QCoreApplication::sendEvent(&line, &composes);
+  button.setFocus();
+  type(Qt::Key_Escape);
+  EXPECT_EQ(seen().size(), 1U);
+  plainText.setFocus();
+  QCoreApplication::sendEvent(&plainText, &composes);
+  plainText.setPlainText(QString());
+  type(Qt::Key_Escape);
+  EXPECT_EQ(seen().size(), 1U);
+}
+
+TEST_F(KeyMonitorTest, AKeyFromAnInputMethodIsSeenAtTheFocusedControl) {
+  const QSignalSpy entered(&line, &QLineEdit::returnPressed);
+  for (const bool consuming : {true, false}) {
+    consumes = consuming;
+    // The same object comes again as another key, as on the stack of an input method.
+    for (int count = 0; count < 2; ++count) {
+      QKeyEvent forwarded(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"));
+      QCoreApplication::sendEvent(&line, &forwarded);
+      EXPECT_EQ(seen().size(), 1U);
+    }
+    EXPECT_EQ(entered.count(), consuming ? 0 : 2);
+  }
+  QKeyEvent elsewhere(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+  QCoreApplication::sendEvent(&button, &elsewhere);
+  EXPECT_THAT(seen(), IsEmpty());
+}
+
+TEST_F(KeyMonitorTest, MenusAndDialogsKeepTheirKeys) {
+  consumes = true;
+  QMenu menu;
+  QAction* action = menu.addAction(QStringLiteral("Action"));
+  const QSignalSpy chosen(action, &QAction::triggered);
+  menu.popup(QPoint(10, 10));
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&menu));
+  QTest::keyClick(menu.windowHandle(), Qt::Key_Down);
+  QTest::keyClick(menu.windowHandle(), Qt::Key_Return);
+  EXPECT_EQ(chosen.count(), 1);
+  EXPECT_FALSE(menu.isVisible());
+
+  QDialog dialog(&window);
+  dialog.open();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+  QTest::keyClick(dialog.windowHandle(), Qt::Key_Escape);
+  EXPECT_FALSE(dialog.isVisible());
+  EXPECT_THAT(seen(), IsEmpty());
+
+  QDialog tool(&window);
+  tool.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&tool));
+  QTest::keyClick(tool.windowHandle(), Qt::Key_Escape);
+  EXPECT_TRUE(tool.isVisible()) << "A window that blocks no other is one like the main window.";
+  EXPECT_EQ(seen().size(), 1U);
+}
+
+TEST_F(KeyMonitorTest, TextInputsAreToldFromOtherControls) {
+  QSpinBox spin;
+  QComboBox choice;
+  QComboBox combo;
+  combo.setEditable(true);
+  for (QWidget* child : std::initializer_list<QWidget*>{&spin, &choice, &combo}) {
+    window.layout()->addWidget(child);
+    child->show();
+  }
+  FocusedWidget focused;
+  struct Case {
+    QWidget* widget;
+    bool takesText;
+  };
+  for (const auto& [widget, takesText] :
+       {Case{&line, true}, Case{&plainText, true}, Case{&richText, true}, Case{&spin, true},
+        Case{&combo, true}, Case{&choice, false}, Case{&button, false}}) {
+    widget->setFocus();
+    EXPECT_EQ(focused.isTextInputFocused(), takesText) << widget->metaObject()->className();
+  }
+  line.setFocus();
+  focused.clearFocus();
+  EXPECT_EQ(QApplication::focusWidget(), nullptr);
+  EXPECT_FALSE(focused.isTextInputFocused());
+  focused.clearFocus();
+
+  line.setFocus();
+  window.hide();
+  EXPECT_TRUE(QTest::qWaitFor([] { return QApplication::activeWindow() == nullptr; }));
+  EXPECT_FALSE(focused.isTextInputFocused());
+}
+
+} // namespace
+} // namespace notlet
