@@ -56,11 +56,16 @@ std::size_t ArchiveResults::placeOf(const NotletEntry& notlet) const {
 }
 
 bool ArchiveResults::isSearching() const {
+  const bool isLoading = !list().isComplete() && !list().failure();
+  return hasUnsearched() || (isFiltering() && isLoading);
+}
+
+bool ArchiveResults::hasUnsearched() const {
   return isFiltering() && m_searched < list().size();
 }
 
 bool ArchiveResults::hasWork() const {
-  return isSearching() || (m_isPreparing && !m_index.isComplete());
+  return hasUnsearched() || (m_isPreparing && !m_index.isComplete());
 }
 
 void ArchiveResults::setFilter(ArchiveFilter filter) {
@@ -93,7 +98,7 @@ void ArchiveResults::scheduleWork() {
 }
 
 void ArchiveResults::work() {
-  if (isSearching())
+  if (hasUnsearched())
     advance(laterSlice);
   else
     m_index.extend(after(laterSlice));
@@ -103,7 +108,7 @@ void ArchiveResults::work() {
 /// Searches on where it stopped and gives the number of notlets found.
 std::size_t ArchiveResults::search(Deadline deadline) {
   const std::size_t before = m_found.size();
-  while (isSearching()) {
+  while (hasUnsearched()) {
     if (m_searched == m_index.size())
       m_index.extend(deadline);
     const std::size_t last = std::min(m_searched + searchedPerLook, m_index.size());

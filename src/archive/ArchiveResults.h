@@ -44,6 +44,7 @@ class ArchiveResults : public QObject {
   using Gone = std::vector<const NotletEntry*>;
 
   [[nodiscard]] bool isFiltering() const { return !m_filter.admitsEverything(); }
+  [[nodiscard]] bool hasUnsearched() const;
   [[nodiscard]] bool hasWork() const;
   void work();
   void scheduleWork();

@@ -1,0 +1,201 @@
+#include "archive/UnsavedEdits.h"
+
+#include <QTest>
+#include <fstream>
+#include <gmock/gmock.h>
+
+#include "archive/ArchiveFixture.h"
+
+namespace notlet {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// Edits that are not saved, through the archive that makes them.
+class UnsavedEditsTest : public ArchiveFixture {
+ protected:
+  void edit(const Uuid& id, const std::string& draft) const {
+    browser->beginEditing(id);
+    browser->setEditDraft(draft);
+  }
+  [[nodiscard]] std::size_t fileCount() const {
+    std::error_code error;
+    const std::filesystem::directory_iterator files(editFolder(), error);
+    return static_cast<std::size_t>(std::distance(begin(files), end(files)));
+  }
+  [[nodiscard]] bool sees(const std::function<bool()>& condition) const {
+    return QTest::qWaitFor(condition, 10'000);
+  }
+};
+
+} // namespace
+
+TEST_F(UnsavedEditsTest, NoEditIsLostHoweverTheEditorIsClosed) {
+  const auto ids = fill({"first", "second"});
+  const std::map<std::string, std::function<void()>> waysOut = {
+      {"arrow", [&] { browser->moveVertically(1); }},
+      {"cancel", [&] { browser->cancelEditing(); }},
+      {"other row", [&] { browser->select(ids[1]); }},
+      {"other editor", [&] { browser->beginEditing(ids[1]); }},
+      {"search field", [&] { browser->focusSearchField(); }},
+      {"other section",
+       [&] {
+         browser->disappear();
+         browser->appear();
+       }},
+      {"end of the program", [&] { start(); }},
+  };
+  for (const auto& [name, leave] : waysOut) {
+    SCOPED_TRACE(name);
+    const std::string draft = "  first, via " + name + " \n";
+    edit(ids[0], draft);
+    EXPECT_FALSE(browser->hasUnsavedEdit(ids[0])) << "it is in the editor";
+    leave();
+    EXPECT_NE(state().editingID, ids[0]);
+    ASSERT_TRUE(browser->hasUnsavedEdit(ids[0]));
+    EXPECT_FALSE(browser->hasUnsavedEdit(ids[1]));
+    browser->restoreUnsavedEdit(ids[0]);
+    EXPECT_EQ(state().editingID, ids[0]);
+    EXPECT_EQ(state().selectedID, ids[0]);
+    EXPECT_EQ(state().editDraft, draft);
+    browser->cancelEditing();
+    EXPECT_TRUE(browser->hasUnsavedEdit(ids[0])) << "until it is saved";
+  }
+  browser->restoreUnsavedEdit(ids[0]);
+  browser->saveEdit(ids[0]);
+  EXPECT_FALSE(browser->hasUnsavedEdit(ids[0]));
+  start();
+  EXPECT_FALSE(browser->hasUnsavedEdit(ids[0]));
+  EXPECT_EQ(fileCount(), 0U);
+}
+
+TEST_F(UnsavedEditsTest, IsOnDiskWithinASecondOfTheLastKey) {
+  const Uuid id = fill({"first"})[0];
+  edit(id, "first, changed");
+  scheduler.advance(std::chrono::milliseconds(999));
+  EXPECT_TRUE(sees([&] { return fileCount() == 1; }));
+  // A crash: nothing more is written by the old process.
+  const UnsavedEdits next(editFolder(), scheduler);
+  ASSERT_NE(next.find(id), nullptr);
+  EXPECT_EQ(*next.find(id), "first, changed");
+}
+
+TEST_F(UnsavedEditsTest, AnEditThatChangesNothingIsNotKept) {
+  const Uuid id = fill({"first"})[0];
+  for (const char* draft : {"first", "  first\n", "", " \n "}) {
+    edit(id, "changed");
+    browser->setEditDraft(draft);
+    browser->cancelEditing();
+    EXPECT_FALSE(browser->hasUnsavedEdit(id)) << draft;
+  }
+  // One that somebody else has made as well.
+  edit(id, "the same idea");
+  browser->cancelEditing();
+  changeElsewhere(id, "the same idea");
+  EXPECT_TRUE(sees([&] { return !browser->hasUnsavedEdit(id); }));
+}
+
+TEST_F(UnsavedEditsTest, DeletingTheNotletDeletesItsUnsavedEdit) {
+  const Uuid id = fill({"first", "second"})[0];
+  edit(id, "changed");
+  browser->requestDeletion(id);
+  browser->deleteSelectedNotlet();
+  EXPECT_EQ(browser->orphanedEdit(), nullptr);
+  start();
+  EXPECT_EQ(browser->orphanedEdit(), nullptr);
+}
+
+TEST_F(UnsavedEditsTest, AChangeElsewhereIsToldAndTheUsersTextStands) {
+  const Uuid id = fill({"first"})[0];
+  edit(id, "mine");
+  EXPECT_EQ(state().editNotice, "");
+  changeElsewhere(id, "theirs");
+  ASSERT_TRUE(sees([&] { return !state().editNotice.empty(); }));
+  EXPECT_EQ(state().editDraft, "mine");
+  EXPECT_EQ(context->find(id)->content, "theirs");
+  browser->saveEdit(id);
+  EXPECT_EQ(storedText(id), "mine");
+  EXPECT_EQ(state().editNotice, "");
+  // What was written elsewhere is what a new edit starts from.
+  changeElsewhere(id, "theirs again");
+  ASSERT_TRUE(sees([&] { return context->find(id)->content == "theirs again"; }));
+  browser->beginEditing(id);
+  EXPECT_EQ(state().editDraft, "theirs again");
+  EXPECT_EQ(state().editNotice, "");
+}
+
+TEST_F(UnsavedEditsTest, TheTextOfANotletDeletedElsewhereCanBeStoredAnew) {
+  const auto ids = fill({"first", "second"});
+  edit(ids[0], "worth keeping #yes");
+  storeElsewhere({}, {ids[0]});
+  ASSERT_TRUE(sees([&] { return browser->orphanedEdit() != nullptr; }));
+  EXPECT_EQ(*browser->orphanedEdit(), "worth keeping #yes");
+  EXPECT_FALSE(state().editingID);
+  EXPECT_FALSE(flags.editingActive);
+
+  start();
+  ASSERT_NE(browser->orphanedEdit(), nullptr) << "a restart does not lose it";
+  breakStore();
+  browser->saveOrphanedEdit();
+  EXPECT_TRUE(state().saveError);
+  ASSERT_NE(browser->orphanedEdit(), nullptr);
+  EXPECT_EQ(context->size(), 1U);
+  mendStore();
+  browser->saveOrphanedEdit();
+  EXPECT_EQ(browser->orphanedEdit(), nullptr);
+  EXPECT_THAT(results(), ElementsAre("worth keeping #yes", "second"));
+  EXPECT_EQ(browser->selectedNotlet()->hashtags, WordList{"yes"});
+}
+
+TEST_F(UnsavedEditsTest, AnUntouchedEditorOfANotletDeletedElsewhereJustCloses) {
+  const auto ids = fill({"first", "second"});
+  browser->beginEditing(ids[0]);
+  storeElsewhere({}, {ids[0]});
+  ASSERT_TRUE(sees([&] { return !state().editingID; }));
+  EXPECT_EQ(browser->orphanedEdit(), nullptr);
+}
+
+TEST_F(UnsavedEditsTest, ADiscardedOrphanIsGoneForGood) {
+  const auto ids = fill({"first", "second"});
+  for (const Uuid& id : ids) {
+    edit(id, "changed");
+    browser->cancelEditing();
+  }
+  storeElsewhere({}, ids);
+  ASSERT_TRUE(sees([&] { return context->size() == 0; }));
+  browser->discardOrphanedEdit();
+  ASSERT_NE(browser->orphanedEdit(), nullptr) << "one after the other";
+  browser->discardOrphanedEdit();
+  EXPECT_EQ(browser->orphanedEdit(), nullptr);
+  start();
+  EXPECT_EQ(browser->orphanedEdit(), nullptr);
+}
+
+TEST_F(UnsavedEditsTest, SaysWhyAnEditIsNotSafe) {
+  const Uuid id = fill({"first"})[0];
+  std::filesystem::create_directories(editFolder().parent_path());
+  std::ofstream(editFolder()) << "a file where the folder should be";
+  edit(id, "changed");
+  scheduler.advance(std::chrono::seconds(1));
+  ASSERT_TRUE(sees([&] { return !state().draftWarning.empty(); }));
+  std::filesystem::remove(editFolder());
+  browser->setEditDraft("changed again");
+  scheduler.advance(std::chrono::seconds(1));
+  EXPECT_TRUE(sees([&] { return state().draftWarning.empty(); }));
+}
+
+TEST_F(UnsavedEditsTest, FilesThatAreNoEditsAreLeftAlone) {
+  std::filesystem::create_directories(editFolder());
+  const std::string id = Uuid::random().text();
+  std::ofstream(editFolder() / "notes.txt") << "not ours";
+  std::ofstream(editFolder() / (id + ".txt.unreadable-1")) << "set aside before";
+  std::ofstream(editFolder() / (id + ".txt")) << "caf\xE9";
+  start();
+  EXPECT_THAT(unsavedEdits->texts(), IsEmpty());
+  EXPECT_NE(state().draftWarning, "");
+  EXPECT_EQ(fileCount(), 3U);
+}
+
+} // namespace notlet
