@@ -8,17 +8,26 @@ namespace notlet {
 namespace {
 
 constexpr QSize defaultSize{840, 600};
-constexpr QSize smallestSize{360, 420};
 
 } // namespace
 
-MainWindow::MainWindow(AppSettings& settings, QWidget* content) {
+MainWindow::MainWindow(AppSettings& settings, QWidget* content) : m_notice(new NoticeBar) {
   setWindowTitle(QStringLiteral("Notlet"));
-  setMinimumSize(smallestSize);
   resize(defaultSize);
+  auto* framed = new QWidget;
+  auto* rows = new QVBoxLayout(framed);
+  rows->setContentsMargins(0, 0, 0, 0);
+  rows->setSpacing(0);
+  rows->addWidget(m_notice);
+  rows->addWidget(content, 1);
+  connect(m_notice, &NoticeBar::dismissed, this, &MainWindow::noticeDismissed);
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);
-  column->addWidget(new AppThemeContainer(settings, content));
+  column->addWidget(new AppThemeContainer(settings, framed));
+}
+
+void MainWindow::setNotice(const QString& text) {
+  m_notice->setText(text);
 }
 
 void MainWindow::activate() {

@@ -4,6 +4,7 @@
 
 #include "themes/AppSettings.h"
 #include "widgets/AppThemeContainer.h"
+#include "widgets/NoticeBar.h"
 
 namespace notlet {
 
@@ -18,12 +19,18 @@ class MainWindow : public QWidget {
 
   /// Shows the window, in front of all others and with the keyboard.
   void activate();
+  /// A message above the content; an empty one takes it away.
+  void setNotice(const QString& text);
 
  Q_SIGNALS:
   void closed();
+  void noticeDismissed();
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+
+ private:
+  NoticeBar* m_notice;
 };
 
 } // namespace notlet
