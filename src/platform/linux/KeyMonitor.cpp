@@ -97,11 +97,44 @@ std::optional<std::string> charactersOf(const QKeyEvent& event) {
   return charactersOfSymbol(event.nativeVirtualKey());
 }
 
-/// On a layout without Latin letters Qt names the key by what it would type on one that has them.
+/// One row of keys on a keyboard with the letters of the American layout.
+struct KeyRow {
+  quint32 firstScanCode;
+  std::string_view characters;
+};
+
+constexpr auto keyRows = std::to_array<KeyRow>({
+    {10, "1234567890-="},
+    {24, "qwertyuiop[]"},
+    {38, "asdfghjkl;'`"},
+    {52, "zxcvbnm,./"},
+});
+
+std::optional<std::string> charactersAtPlace(quint32 scanCode) {
+  for (const auto& [first, characters] : keyRows) {
+    if (scanCode >= first && scanCode - first < characters.size())
+      return std::string(1, characters[scanCode - first]);
+  }
+  return std::nullopt;
+}
+
+bool isForeignLetter(const std::string& characters) {
+  const auto points = QString::fromStdString(characters).toUcs4();
+  return points.size() == 1 && QChar::isLetter(points.front()) &&
+         QChar::script(points.front()) != QChar::Script_Latin;
+}
+
+/// Under Control Qt names a key by what it types on the user's Latin layout, if there is one. Otherwise its
+/// place on the keyboard must do.
 std::optional<std::string> latinCharactersOf(const QKeyEvent& event) {
   if (isBetween(static_cast<quint32>(event.key()), Qt::Key_Space, Qt::Key_AsciiTilde))
     return charactersOfKey(event.key());
-  return charactersOf(event);
+  std::optional<std::string> typed = charactersOf(event);
+  if (typed && isForeignLetter(*typed)) {
+    if (std::optional<std::string> placed = charactersAtPlace(event.nativeScanCode()))
+      return placed;
+  }
+  return typed;
 }
 
 QString uncommittedText(const QTextCursor& cursor) {

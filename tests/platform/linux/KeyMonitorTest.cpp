@@ -36,6 +36,7 @@ TEST(KeyPressOf, KeysAreTranslated) {
     Qt::KeyboardModifiers modifiers;
     quint32 symbol;
     KeyPress press;
+    quint32 scanCode = 0;
   };
   const std::vector<Case> cases = {
       {"letter", Qt::Key_J, Qt::NoModifier, 'j', {KeyCode::other, "j", "j", 0}},
@@ -57,7 +58,26 @@ TEST(KeyPressOf, KeysAreTranslated) {
        static_cast<Qt::Key>(0x42B),
        Qt::NoModifier,
        0x6d9,
-       {KeyCode::other, "ы", "ы", 0}},
+       {KeyCode::other, "ы", "s", 0},
+       39},
+      {"Cyrillic letter in the place of a sign",
+       static_cast<Qt::Key>(0x42D),
+       Qt::NoModifier,
+       0x6dc,
+       {KeyCode::other, "э", "'", 0},
+       48},
+      {"Cyrillic letter where no American key is",
+       static_cast<Qt::Key>(0x401),
+       Qt::NoModifier,
+       0x6a3,
+       {KeyCode::other, "ё", "ё", 0},
+       94},
+      {"Latin letter in the place of another",
+       Qt::Key_Odiaeresis,
+       Qt::NoModifier,
+       0xf6,
+       {KeyCode::other, "ö", "ö", 0},
+       47},
       {"Greek letter", Qt::Key_S, Qt::NoModifier, 0x7f2, {KeyCode::other, "σ", "s", 0}},
       {"keypad digit", Qt::Key_1, Qt::KeypadModifier, 0xffb1, {KeyCode::other, "1", "1", 0}},
       {"keypad slash", Qt::Key_Slash, Qt::KeypadModifier, 0xffaf, {KeyCode::other, "/", "/", 0}},
@@ -81,7 +101,7 @@ TEST(KeyPressOf, KeysAreTranslated) {
   };
   for (const Case& one : cases) {
     SCOPED_TRACE(one.name);
-    const QKeyEvent event(QEvent::KeyPress, one.key, one.modifiers, 38, one.symbol, 0);
+    const QKeyEvent event(QEvent::KeyPress, one.key, one.modifiers, one.scanCode, one.symbol, 0);
     const auto press = keyPressOf(event);
     ASSERT_TRUE(press);
     EXPECT_EQ(press->keyCode, one.press.keyCode);
