@@ -331,9 +331,20 @@ TEST_F(MacShortcutCoordinatorTest, ConfiguredKeysCountAtTheNextPress) {
   EXPECT_EQ(press(""), "selectPreviousMacNotlet") << "An empty value names the keys that type nothing.";
   EXPECT_EQ(press("down"), "pass");
 
+  // Moving from the search field comes before the leader.
+  config.leader = "down";
+  settings.save(config);
+  show(searchField);
+  EXPECT_EQ(press("down"), "selectNextMacNotlet");
+  show(typing);
+  EXPECT_EQ(press("down"), "consume");
+  EXPECT_EQ(press("n"), "openMacNotlet");
+
   // A combination is no key name, and the first of two equal values counts.
+  config.leader = "s";
   config.commands = {"control+j", "j", "j", "j", "j"};
   settings.save(config);
+  show(archiveList);
   EXPECT_EQ(press("s"), "consume");
   EXPECT_EQ(press("j", control), "openMacArchive");
   EXPECT_EQ(press("j"), "focusMacArchiveSearch");

@@ -119,6 +119,20 @@ TEST_F(MacShortcutSettingsTest, AnOlderFileIsUpgradedAtOnceThroughItsLink) {
   EXPECT_EQ(fs::status(kept).permissions(), fs::perms(0640));
 }
 
+// Whoever follows the shortcuts hears of what the file says and of what was made of it.
+TEST_F(MacShortcutSettingsTest, AnUpgradeIsAnnounced) {
+  MacShortcutSettings settings(directory, opener);
+  MacShortcutConfig old;
+  old.configurationVersion = 2;
+  old.commands.search = "s";
+  put(old.encode());
+  std::vector<std::string> searchKeys;
+  QObject::connect(&settings, &MacShortcutSettings::changed,
+                   [&] { searchKeys.push_back(settings.config().commands.search); });
+  settings.reload();
+  EXPECT_THAT(searchKeys, ElementsAre("s", "/"));
+}
+
 TEST_F(MacShortcutSettingsTest, ADeletedFileComesBackWithTheShortcutsInForce) {
   MacShortcutSettings settings(directory, opener);
   settings.save(otherConfig());
