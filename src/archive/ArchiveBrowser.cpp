@@ -164,16 +164,20 @@ void ArchiveBrowser::setSearchFocused(bool focused) {
   });
 }
 
-void ArchiveBrowser::chooseHashtag(std::size_t visibleIndex) {
-  if (visibleIndex >= visibleHashtags().size())
+void ArchiveBrowser::chooseHashtag(const std::string& tag) {
+  const auto& tags = visibleHashtags();
+  const auto found = std::ranges::find(tags, tag);
+  if (found == tags.end())
     return;
-  const std::string key = folded(visibleHashtags()[visibleIndex]);
   update([&](State& state) {
     state.keyboardSection = Section::hashtags;
-    state.activeHashtagIndex = static_cast<int>(visibleIndex);
-    if (state.selectedTags.erase(key) == 0)
-      state.selectedTags.insert(key);
+    state.activeHashtagIndex = static_cast<int>(found - tags.begin());
   });
+  toggleTag(tag);
+}
+
+void ArchiveBrowser::enterHashtags() {
+  update([&](State& state) { pointAtHashtags(state); });
 }
 
 void ArchiveBrowser::toggleTag(const std::string& tag) {

@@ -109,8 +109,10 @@ class ArchiveBrowser : public QObject {
   void setSearchText(std::string text);
   void setSearchFocused(bool focused);
 
-  /// A click on a hashtag: points the keyboard at it and toggles it as a filter.
-  void chooseHashtag(std::size_t visibleIndex);
+  /// A click on a visible hashtag: points the keyboard at it and toggles it as a filter.
+  void chooseHashtag(const std::string& tag);
+  /// The keyboard came to the hashtags by Tab.
+  void enterHashtags();
   void toggleTag(const std::string& tag);
   void activateSelectedHashtag();
   void moveBetweenHashtags(int delta);

@@ -43,8 +43,10 @@ std::vector<const NotletEntry*> ArchiveIndex::collect(const ArchiveFilter& filte
     const std::size_t end = endOfRun(first, last);
     const Slot firstSlot = m_slots[first];
     const Slot endSlot = m_slots[end - 1] + 1;
-    for (const Slot slot : m_archive.collect(filter.search, firstSlot, endSlot)) {
-      if (!filter.tagsBesidePhrase || m_archive.matches(slot, *filter.tagsBesidePhrase))
+    // Fewer carry a tag than hold a phrase of small words.
+    const SearchQuery& rarer = filter.tagsBesidePhrase ? *filter.tagsBesidePhrase : filter.search;
+    for (const Slot slot : m_archive.collect(rarer, firstSlot, endSlot)) {
+      if (!filter.tagsBesidePhrase || m_archive.matches(slot, filter.search))
         found.push_back(m_entries[slot]);
     }
     first = end;

@@ -11,7 +11,7 @@ namespace {
 using namespace std::chrono_literals;
 
 /// What a key press may wait for its first results, and any other event for a slice of the rest.
-constexpr auto firstSlice = 6ms;
+constexpr auto firstSlice = 5ms;
 constexpr auto laterSlice = 3ms;
 /// Takes a fraction of a millisecond.
 constexpr std::size_t searchedPerLook = 4096;

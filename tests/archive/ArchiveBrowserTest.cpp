@@ -33,6 +33,10 @@ class ArchiveBrowserTest : public ArchiveFixture {
   }
 
  private:
+  void clickChip(std::size_t number) {
+    if (number < browser->visibleHashtags().size())
+      browser->chooseHashtag(std::string(browser->visibleHashtags()[number]));
+  }
   void perform(const std::string& word) {
     static const std::map<std::string, CommandName> commands = {
         {"down", CommandName::selectNextMacNotlet},
@@ -55,7 +59,7 @@ class ArchiveBrowserTest : public ArchiveFixture {
     else if (word.starts_with("click-"))
       browser->select(browser->resultAt(std::stoul(argument)).id);
     else if (word.starts_with("chip-"))
-      browser->chooseHashtag(std::stoul(argument));
+      clickChip(std::stoul(argument));
     else if (word.starts_with("key-"))
       center.post(CommandName::searchMacHashtags, argument);
     else if (word.starts_with("search-"))
