@@ -150,9 +150,10 @@ void ExactTextEdit::insertExactly(QTextCursor& cursor, const QString& text) cons
 
 void ExactTextEdit::keyPressEvent(QKeyEvent* event) {
   const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-  if (isReturn && !isComposing()) {
+  if (isReturn && !isReadOnly() && !isComposing()) {
     // The keypad's Enter differs from Return by a modifier that nobody holds down.
-    if ((event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier) {
+    const bool isPlain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    if (isPlain && m_reportsReturn) {
       Q_EMIT returnPressed();
     } else {
       QTextCursor cursor = textCursor();
@@ -163,7 +164,8 @@ void ExactTextEdit::keyPressEvent(QKeyEvent* event) {
     event->accept();
     return;
   }
-  deleteAcrossPiece(event);
+  if (!isReadOnly())
+    deleteAcrossPiece(event);
   QPlainTextEdit::keyPressEvent(event);
 }
 

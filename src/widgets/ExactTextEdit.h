@@ -23,12 +23,16 @@ class ExactTextEdit : public QPlainTextEdit {
   /// True while an input method holds text that is not committed yet.
   [[nodiscard]] bool isComposing() const;
 
+  /// Whether Return without any modifier is reported (as in the beginning) or makes a new line as the others
+  /// do.
+  void setReportsReturn(bool reports) { m_reportsReturn = reports; }
+
   /// Characters after which a paragraph is shown in pieces, and the size of a piece.
   static constexpr qsizetype longestParagraph = 16'384;
   static constexpr qsizetype pieceLength = 4'096;
 
  Q_SIGNALS:
-  /// Return was pressed without any modifier and without a composition under way.
+  /// Return was pressed without any modifier and without a composition under way, and such are reported.
   void returnPressed();
 
  protected:
@@ -40,6 +44,8 @@ class ExactTextEdit : public QPlainTextEdit {
   void insertExactly(QTextCursor& cursor, const QString& text) const;
   [[nodiscard]] QString exactText(int from, int to) const;
   void deleteAcrossPiece(const QKeyEvent* event);
+
+  bool m_reportsReturn = true;
 };
 
 } // namespace notlet

@@ -11,6 +11,7 @@
 #include "widgets/Motion.h"
 #include "widgets/ThemePalette.h"
 #include "widgets/ThemedButton.h"
+#include "widgets/ThemedScrollBar.h"
 #include "widgets/VirtualListAccessible.h"
 
 namespace notlet {
@@ -43,6 +44,7 @@ VirtualListView::VirtualListView(VirtualListRows& rows, QWidget* parent)
     : QAbstractScrollArea(parent), m_rows(rows) {
   VirtualListAccessible::install();
   setFrameShape(QFrame::NoFrame);
+  ThemedScrollBar::install(*this);
   setFocusPolicy(Qt::StrongFocus);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   viewport()->setMouseTracking(true);
@@ -324,6 +326,7 @@ void VirtualListView::scrollToCentre(std::size_t row, bool animated) {
   if (row >= m_heights.count())
     return;
   stopGlide();
+  m_pointer.reset(); // Rows that pass below a pointer at rest do not light up.
   const Anchor start = m_anchor;
   const bool isBelow = row > start.row;
   std::optional<int> from = topNearby(row);
@@ -429,10 +432,17 @@ void VirtualListView::paintEvent(QPaintEvent* event) {
                   .isFocused = isCurrent && hasFocus(),
                   .hasSeparator = !isCurrent && row + 1 != m_currentRow && row + 1 < m_heights.count()});
   }
-  if (hasFocus() && (!m_currentRow || !rowRect(*m_currentRow))) {
-    painter.setRenderHint(QPainter::Antialiasing);
-    ThemedButton::paintFocusRing(painter, viewport()->rect().adjusted(2, 2, -2, -2), 10, palette());
-  }
+  if (hasFocus() && (!m_currentRow || !rowRect(*m_currentRow)))
+    paintFocus(painter);
+}
+
+/// The keyboard is in the list and in no row of it.
+void VirtualListView::paintFocus(QPainter& painter) const {
+  QPalette quiet = palette();
+  quiet.setColor(ThemeRole::focusRing,
+                 mixed(palette().color(ThemeRole::focusRing), palette().color(ThemeRole::background), 0.4));
+  painter.setRenderHint(QPainter::Antialiasing);
+  ThemedButton::paintFocusRing(painter, viewport()->rect().adjusted(2, 2, -2, -2), 10, quiet);
 }
 
 void VirtualListView::resizeEvent(QResizeEvent*) {

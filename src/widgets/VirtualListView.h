@@ -154,6 +154,7 @@ class VirtualListView : public QAbstractScrollArea {
   void moveToEnd();
   void place();
   void placeWidget();
+  void paintFocus(QPainter& painter) const;
   void updateScrollBar();
   void updateHover();
   void stopGlide();

@@ -109,7 +109,7 @@ TEST(ExactTextEdit, ReturnAloneIsReportedAndEveryOtherReturnMakesALine) {
   const struct {
     Qt::KeyboardModifiers modifiers;
     bool isReported;
-  } cases[] = {{Qt::NoModifier, true},      {Qt::KeypadModifier, true}, {Qt::ShiftModifier, false},
+  } cases[] = {{Qt::NoModifier, true},       {Qt::KeypadModifier, true}, {Qt::ShiftModifier, false},
                {Qt::ControlModifier, false}, {Qt::AltModifier, false},   {Qt::MetaModifier, false}};
   for (const auto& [modifiers, isReported] : cases) {
     ExactTextEdit edit;
@@ -119,6 +119,37 @@ TEST(ExactTextEdit, ReturnAloneIsReportedAndEveryOtherReturnMakesALine) {
     EXPECT_EQ(spy.count(), isReported ? 1 : 0) << modifiers;
     EXPECT_EQ(edit.exactText(), isReported ? QStringLiteral("a") : QStringLiteral("a\n")) << modifiers;
   }
+}
+
+TEST(ExactTextEdit, EveryReturnMakesALineWhereReturnIsNotReported) {
+  for (const auto modifiers : {Qt::NoModifier, Qt::KeypadModifier, Qt::ShiftModifier}) {
+    ExactTextEdit edit;
+    edit.setReportsReturn(false);
+    edit.setExactText(QStringLiteral("a"));
+    const QSignalSpy spy(&edit, &ExactTextEdit::returnPressed);
+    QTest::keyClick(&edit, Qt::Key_Return, modifiers);
+    EXPECT_EQ(spy.count(), 0);
+    EXPECT_EQ(edit.exactText(), QStringLiteral("a\n")) << modifiers;
+  }
+}
+
+TEST(ExactTextEdit, NoKeyChangesATextThatIsOnlyRead) {
+  ExactTextEdit edit;
+  edit.setExactText(longWord);
+  edit.setReadOnly(true);
+  const QSignalSpy spy(&edit, &ExactTextEdit::returnPressed);
+  const QSignalSpy changes(edit.document(), &QTextDocument::contentsChanged);
+  for (const auto key : {Qt::Key_Return, Qt::Key_Backspace, Qt::Key_Delete, Qt::Key_X}) {
+    for (const auto modifiers : {Qt::NoModifier, Qt::ShiftModifier}) {
+      QTextCursor cursor = edit.textCursor();
+      cursor.setPosition(edit.document()->begin().length()); // Beside a seam.
+      edit.setTextCursor(cursor);
+      QTest::keyClick(&edit, key, modifiers);
+    }
+  }
+  EXPECT_EQ(spy.count(), 0);
+  EXPECT_EQ(changes.count(), 0);
+  EXPECT_EQ(edit.exactText(), longWord);
 }
 
 TEST(ExactTextEdit, ReturnIsLeftToAnInputMethodThatIsComposing) {
@@ -141,9 +172,12 @@ TEST(ExactTextEdit, ReturnIsLeftToAnInputMethodThatIsComposing) {
 TEST(ExactTextEdit, AgreesWithAPlainStringThroughRandomEdits) {
   std::mt19937 random(7);
   const auto below = [&](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
-  const QStringList inserts = {QStringLiteral("a"),   QStringLiteral("\n"),
-                               QStringLiteral("two words"), QStringLiteral("x\u2029y\nz"),
-                               QStringLiteral("\u2028\u00A0"), longWord.left(ExactTextEdit::longestParagraph + 900)};
+  const QStringList inserts = {QStringLiteral("a"),
+                               QStringLiteral("\n"),
+                               QStringLiteral("two words"),
+                               QStringLiteral("x\u2029y\nz"),
+                               QStringLiteral("\u2028\u00A0"),
+                               longWord.left(ExactTextEdit::longestParagraph + 900)};
   ExactTextEdit edit;
   QString model;
   for (int step = 0; step < 1500; ++step) {
