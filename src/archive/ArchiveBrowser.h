@@ -161,16 +161,15 @@ class ArchiveBrowser : public QObject {
   void hashtagsChanged();
 
  private:
-  template<typename Change>
-  void update(Change change);
+  void update(const std::function<void(State&)>& change);
   void publish(const ArchiveKeyboardFlags& flags);
   void observeCommands();
   void observe(CommandName name, std::function<void(const CommandObject&)> handler);
   [[nodiscard]] ModelContext& list() const { return m_surroundings.index.modelContext(); }
 
   void followList();
-  void followEditedNotlet();
-  void keepDraft();
+  void followEditedNotlet(const Uuid& id);
+  void keepDraft(const Uuid& id);
   void closeEditor(State& state) const;
   void openEditor(const Uuid& id, std::string draft);
   void reportFailure(std::string message, const Error& error);

@@ -9,12 +9,12 @@ UnsavedEdits::UnsavedEdits(std::optional<std::filesystem::path> directory, Sched
                            QObject* parent)
     : QObject(parent), m_directory(std::move(directory)), m_scheduler(scheduler) {
   if (m_directory)
-    restore();
+    restore(*m_directory);
 }
 
-void UnsavedEdits::restore() {
+void UnsavedEdits::restore(const std::filesystem::path& directory) {
   std::error_code error; // A directory that is not there yet holds no edits.
-  for (const auto& file : std::filesystem::directory_iterator(*m_directory, error)) {
+  for (const auto& file : std::filesystem::directory_iterator(directory, error)) {
     const auto id = Uuid::parse(file.path().stem().string());
     if (!id || file.path().filename() != id->text() + ".txt")
       continue;

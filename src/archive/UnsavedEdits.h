@@ -40,7 +40,7 @@ class UnsavedEdits : public QObject {
   void warningChanged();
 
  private:
-  void restore();
+  void restore(const std::filesystem::path& directory);
   DraftKeeper& keeperOf(const Uuid& id);
   void setWarning(const std::string& warning);
 
