@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <system_error>
+#include <utility>
 
 #include "core/Text.h"
 #include "core/Timestamp.h"
@@ -45,7 +46,6 @@ DraftKeeper::DraftKeeper(std::optional<std::filesystem::path> directory, const s
     : QObject(parent), m_scheduler(scheduler) {
   if (directory)
     m_file = *directory / (surface + ".txt");
-  m_writer.setMaxThreadCount(1);
 }
 
 DraftKeeper::~DraftKeeper() {
@@ -86,16 +86,39 @@ void DraftKeeper::write() {
   if (!m_isPending || !m_file)
     return;
   m_isPending = false;
-  m_writer.start([this, file = *m_file, text = std::move(m_pending)] {
-    const std::string reason = bringToDisk(file, text);
-    // The pool is emptied before this object goes, so `this` is alive here.
-    QMetaObject::invokeMethod(this, [this, reason] { Q_EMIT reported(reason); }, Qt::QueuedConnection);
-  });
+  const std::lock_guard lock(m_mutex);
+  m_next = std::move(m_pending);
+  if (m_isWriting)
+    return; // The thread takes this text after the one it is at.
+  m_isWriting = true;
+  m_writer = std::jthread([this, file = *m_file] { writeAll(file); });
+}
+
+/// Runs on the writing thread, which this object outlives.
+void DraftKeeper::writeAll(const std::filesystem::path& file) {
+  std::unique_lock lock(m_mutex);
+  while (const auto text = std::exchange(m_next, std::nullopt)) {
+    lock.unlock();
+    std::string report = bringToDisk(file, *text);
+    lock.lock();
+    m_report = std::move(report);
+    QMetaObject::invokeMethod(this, "deliverReport", Qt::QueuedConnection);
+  }
+  m_isWriting = false;
+  m_isDone.notify_all();
+}
+
+void DraftKeeper::deliverReport() {
+  std::unique_lock lock(m_mutex);
+  const std::string report = m_report;
+  lock.unlock();
+  Q_EMIT reported(report);
 }
 
 void DraftKeeper::flush() {
   write();
-  m_writer.waitForDone();
+  std::unique_lock lock(m_mutex);
+  m_isDone.wait(lock, [this] { return !m_isWriting; });
 }
 
 } // namespace notlet

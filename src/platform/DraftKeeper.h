@@ -1,10 +1,12 @@
 #pragma once
 
 #include <QObject>
-#include <QThreadPool>
+#include <condition_variable>
 #include <filesystem>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 
 #include "core/Error.h"
 #include "platform/Scheduler.h"
@@ -37,16 +39,27 @@ class DraftKeeper : public QObject {
   /// The text could not be written; the reason is a sentence. Empty once a later write succeeds.
   void reported(const std::string& reason);
 
+ private Q_SLOTS:
+  void deliverReport();
+
  private:
   void write();
+  void writeAll(const std::filesystem::path& file);
 
   std::optional<std::filesystem::path> m_file;
   Scheduler& m_scheduler;
   std::string m_pending;
   bool m_isPending = false;
   bool m_isScheduled = false;
-  // One thread, so that an older text never overwrites a newer one.
-  QThreadPool m_writer;
+
+  // One thread at a time, so that an older text never overwrites a newer one. It ends when nothing is left to
+  // write; what both threads use stands under the mutex.
+  std::mutex m_mutex;
+  std::condition_variable m_isDone;
+  std::optional<std::string> m_next;
+  std::string m_report;
+  bool m_isWriting = false;
+  std::jthread m_writer;
 };
 
 } // namespace notlet
