@@ -1,8 +1,11 @@
 #include "shortcuts/MacShortcutConfig.h"
 
+#include <filesystem>
 #include <fstream>
+#include <functional>
 #include <gmock/gmock.h>
 #include <iterator>
+#include <limits>
 
 #include "fuzz/ShortcutFileCheck.h"
 

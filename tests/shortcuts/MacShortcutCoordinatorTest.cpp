@@ -1,6 +1,7 @@
 #include "shortcuts/MacShortcutCoordinator.h"
 
 #include <gmock/gmock.h>
+#include <limits>
 #include <random>
 
 #include "support/FakeFileOpener.h"
@@ -12,8 +13,6 @@ namespace notlet {
 namespace {
 
 using std::chrono::milliseconds;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr std::uint32_t shift = 0x20000;
 constexpr std::uint32_t control = 0x40000;

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <iterator>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "support/FakeFileOpener.h"
@@ -14,8 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
-using testing::Eq;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Optional;
 using testing::StartsWith;
@@ -28,6 +27,10 @@ MacShortcutConfig otherConfig() {
   config.leader = "cmd+k";
   config.commands.archive = "b";
   return config;
+}
+
+void setMode(const fs::path& path, mode_t mode) {
+  EXPECT_EQ(::chmod(path.c_str(), mode), 0) << path;
 }
 
 /// Lets permissions count for the super-user too, to whom the files then belong no longer.
@@ -104,7 +107,7 @@ TEST_F(MacShortcutSettingsTest, AnOlderFileIsUpgradedAtOnceThroughItsLink) {
   std::ofstream(kept) << R"({"leader":"alt+x","leaderTimeoutMilliseconds":700,
     "commands":{"notlet":"n","archive":"b","search":"s","edit":"y"},
     "archiveNavigation":{"next":"1","nextAlternate":"2","previous":"3","previousAlternate":"4"}})";
-  fs::permissions(kept, fs::perms(0640));
+  setMode(kept, 0640);
   const MacShortcutSettings settings(directory, opener);
   EXPECT_EQ(settings.errorMessage(), std::nullopt);
 
@@ -116,7 +119,8 @@ TEST_F(MacShortcutSettingsTest, AnOlderFileIsUpgradedAtOnceThroughItsLink) {
   EXPECT_EQ(settings.config(), expected);
   EXPECT_EQ(contents(), expected.encode());
   EXPECT_TRUE(fs::is_symlink(file));
-  EXPECT_EQ(fs::status(kept).permissions(), fs::perms(0640));
+  EXPECT_EQ(fs::status(kept).permissions(),
+            fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
 }
 
 // Whoever follows the shortcuts hears of what the file says and of what was made of it.
@@ -204,7 +208,7 @@ class MacShortcutSettingsObstacleTest : public MacShortcutSettingsTest,
 
 TEST_P(MacShortcutSettingsObstacleTest, TheShortcutsInForceStay) {
   const Obstacle& obstacle = GetParam();
-  fs::permissions(home.path(), fs::perms(0755));
+  setMode(home.path(), 0755);
   MacShortcutSettings settings(directory, opener);
   settings.save(otherConfig());
   const AsNobody unprivileged(home.path());
@@ -226,8 +230,7 @@ TEST_P(MacShortcutSettingsObstacleTest, TheShortcutsInForceStay) {
     EXPECT_THAT(settings.errorMessage(), Optional(StartsWith(savePrefix)));
     EXPECT_EQ(settings.config(), otherConfig());
   }
-  std::error_code ignored; // Some obstacles are no directory.
-  fs::permissions(directory, fs::perms(0700), ignored);
+  ::chmod(directory.c_str(), 0700); // Some obstacles are no directory.
 }
 
 void replaceByFile(const fs::path& place) {
@@ -247,18 +250,16 @@ INSTANTIATE_TEST_SUITE_P(
         Obstacle{"ParentIsAFile", [](auto& directory, auto&) { replaceByFile(directory.parent_path()); },
                  false, false},
         Obstacle{"FileIsADirectory", [](auto&, auto& file) { replaceByDirectory(file); }, false, false},
-        Obstacle{"FileIsUnreadable", [](auto&, auto& file) { fs::permissions(file, fs::perms(0200)); }, false,
-                 true},
-        Obstacle{"DirectoryIsReadOnly",
-                 [](auto& directory, auto&) { fs::permissions(directory, fs::perms(0500)); }, true, false},
+        Obstacle{"FileIsUnreadable", [](auto&, auto& file) { setMode(file, 0200); }, false, true},
+        Obstacle{"DirectoryIsReadOnly", [](auto& directory, auto&) { setMode(directory, 0500); }, true,
+                 false},
         Obstacle{"FileIsGoneFromAReadOnlyDirectory",
                  [](auto& directory, auto& file) {
                    fs::remove(file);
-                   fs::permissions(directory, fs::perms(0500));
+                   setMode(directory, 0500);
                  },
                  false, false},
-        Obstacle{"DirectoryIsClosed",
-                 [](auto& directory, auto&) { fs::permissions(directory, fs::perms(0)); }, false, false},
+        Obstacle{"DirectoryIsClosed", [](auto& directory, auto&) { setMode(directory, 0); }, false, false},
         Obstacle{"LinkLeadsNowhere",
                  [](auto&, auto& file) {
                    fs::remove(file);
@@ -276,17 +277,17 @@ INSTANTIATE_TEST_SUITE_P(
 
 // The new shortcuts count although the file could not be brought up to date.
 TEST_F(MacShortcutSettingsTest, AnOldFileThatCannotBeRewrittenStillCounts) {
-  fs::permissions(home.path(), fs::perms(0755));
+  setMode(home.path(), 0755);
   MacShortcutConfig old = otherConfig();
   old.configurationVersion = 2;
   put(old.encode());
   const AsNobody unprivileged(home.path());
-  fs::permissions(directory, fs::perms(0500));
+  setMode(directory, 0500);
   const MacShortcutSettings settings(directory, opener);
   EXPECT_EQ(settings.config(), otherConfig());
   EXPECT_THAT(settings.errorMessage(), Optional(StartsWith(loadPrefix)));
   EXPECT_EQ(contents(), old.encode());
-  fs::permissions(directory, fs::perms(0700));
+  setMode(directory, 0700);
 }
 
 TEST_F(MacShortcutSettingsTest, WithoutAHomeTheDefaultsAreInForce) {
