@@ -24,6 +24,18 @@ constexpr int buttonPadding = 8;
 /// About what the parts of the row other than the text take.
 constexpr int heightBesidesText = 150;
 
+std::string_view shownPart(std::string_view text) {
+  std::size_t end = std::min(text.size(), MacArchiveRowWidget::mostShownBytes);
+  std::size_t lines = 0;
+  for (std::size_t position = 0; position < end; ++position) {
+    if (text[position] == '\n' && ++lines == MacArchiveRowWidget::mostShownLines)
+      end = position;
+  }
+  while (end > 0 && end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+    --end;
+  return text.substr(0, end);
+}
+
 QLabel* makeCaption(QPalette::ColorRole role) {
   auto* label = new QLabel;
   label->setFont(textFont(TextStyle::caption));
@@ -49,6 +61,7 @@ MacArchiveRowWidget::MacArchiveRowWidget(QWidget* parent)
       m_editor(new RowEditor),
       m_suggestions(new MacHashtagSuggestionsView(
           {}, [this](const std::string& tag) { Q_EMIT suggestionChosen(tag); })),
+      m_more(makeCaption(ThemeRole::secondaryText)),
       m_notice(makeCaption(ThemeRole::primaryText)),
       m_date(makeCaption(ThemeRole::secondaryText)),
       m_hashtags(new HashtagStrip),
@@ -62,6 +75,9 @@ MacArchiveRowWidget::MacArchiveRowWidget(QWidget* parent)
   m_text->setReadOnly(true);
   m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   m_text->setAccessibleName(QStringLiteral("Notlet text"));
+  m_text->setUndoRedoEnabled(false);
+  m_more->setText(QStringLiteral("This is the beginning of a very long text. Edit shows all of it."));
+  m_more->setWordWrap(true);
   m_notice->setWordWrap(true);
   layOut();
   connectHandlers();
@@ -76,7 +92,7 @@ void MacArchiveRowWidget::layOut() {
   auto* inset = new QVBoxLayout;
   inset->setContentsMargins(buttonPadding, 0, 0, 0);
   for (QWidget* part :
-       std::initializer_list<QWidget*>{m_text, m_editor, m_suggestions, m_notice, m_date, m_hashtags})
+       std::initializer_list<QWidget*>{m_text, m_more, m_editor, m_suggestions, m_notice, m_date, m_hashtags})
     inset->addWidget(part);
   parts->addLayout(inset);
   parts->addLayout(makeButtonRow({m_restore}));
@@ -101,7 +117,10 @@ void MacArchiveRowWidget::connectHandlers() {
 }
 
 void MacArchiveRowWidget::setNotlet(const NotletEntry& notlet) {
-  const QString content = fromUtf8(notlet.content);
+  const std::string_view shown = shownPart(notlet.content);
+  const QString content = fromUtf8(shown);
+  m_isCut = shown.size() < notlet.content.size();
+  m_more->setVisible(m_isCut && !m_isEditing);
   if (content != m_text->exactText()) {
     m_text->setExactText(content);
     m_text->moveCursor(QTextCursor::Start);
@@ -139,6 +158,7 @@ void MacArchiveRowWidget::setEditing(bool editing) {
     shown->setVisible(!editing);
   for (QWidget* shown : std::initializer_list<QWidget*>{m_editor, m_save, m_cancel})
     shown->setVisible(editing);
+  m_more->setVisible(m_isCut && !editing);
   if (editing)
     return;
   m_suggestions->hide();

@@ -20,7 +20,8 @@ class TextButton;
 /// The active row of the archive: the whole text, to be selected and copied, with what can be done; or its
 /// editor.
 ///
-/// It shows what it is told and reports what the user does; it decides nothing.
+/// It shows what it is told and reports what the user does; it decides nothing. Of a text longer than anybody
+/// writes by hand only the beginning is shown; the editor has all of it.
 class MacArchiveRowWidget : public QWidget {
   Q_OBJECT
 
@@ -37,6 +38,9 @@ class MacArchiveRowWidget : public QWidget {
   explicit MacArchiveRowWidget(QWidget* parent = nullptr);
 
   void setNotlet(const NotletEntry& notlet);
+  /// The longest text that is shown whole, in bytes and in lines.
+  static constexpr std::size_t mostShownBytes = 100'000;
+  static constexpr std::size_t mostShownLines = 5'000;
   void showText(bool offersRestore);
   /// The editor takes the keyboard one turn after it has opened.
   void showEditor(const Editing& editing);
@@ -76,6 +80,7 @@ class MacArchiveRowWidget : public QWidget {
   FittingTextEdit* m_text;
   RowEditor* m_editor;
   MacHashtagSuggestionsView* m_suggestions;
+  QLabel* m_more;
   QLabel* m_notice;
   QLabel* m_date;
   HashtagStrip* m_hashtags;
@@ -85,6 +90,7 @@ class MacArchiveRowWidget : public QWidget {
   TextButton* m_save;
   TextButton* m_cancel;
   std::string m_shownDraft;
+  bool m_isCut = false;
   bool m_isEditing = false;
   bool m_isHighlighted = false;
 };

@@ -109,7 +109,9 @@ TEST_F(ArchiveListTest, TheWholeTextFitsTheActiveRowAtAnyWidth) {
       "no\u00A0break\u2028line\u2029paragraph\ttab",
       "明日の会議は午後三時から。資料を忘れないこと。新しい企画について田中さんと相談して、予算の見積もりも確"
       "認する。",
-      "🎉 Party 🥳 👩‍👩‍👧‍👦 and 🇩🇪 flags ❤️ #party 🎉 Party 🥳 👩‍👩‍👧‍👦 and 🇩🇪 "
+      "🎉 Party 🥳 👩‍👩‍👧‍👦 and 🇩🇪 flags ❤️ #party 🎉 Party 🥳 👩‍👩‍👧‍👦 "
+      "and "
+      "🇩🇪 "
       "flags "
       "❤️",
       "مرحبا بالعالم، هذه ملاحظة طويلة باللغة العربية لاختبار الاتجاه من اليمين إلى اليسار في القائمة",
@@ -352,8 +354,17 @@ TEST_F(ArchiveListTest, TextsOfMegabytesAreShownInBounds) {
     browser->select(ids[row]);
     settle();
     EXPECT_LE(heightOf(row), view().viewport()->height());
-    EXPECT_EQ(shownText()->exactText().toStdString(), context->find(ids[row])->content);
+    const std::string shown = shownText()->exactText().toStdString();
+    EXPECT_GT(shown.size(), 50'000U);
+    EXPECT_LE(shown.size(), MacArchiveRowWidget::mostShownBytes);
+    EXPECT_TRUE(context->find(ids[row])->content.starts_with(shown));
     EXPECT_GT(shownText()->verticalScrollBar()->maximum(), 0);
+    browser->beginEditing(ids[row]);
+    settle();
+    EXPECT_LE(heightOf(row), view().viewport()->height());
+    QTest::keyClicks(editor(), QStringLiteral("!"));
+    EXPECT_EQ(state().editDraft, context->find(ids[row])->content + "!");
+    browser->cancelEditing();
   }
 }
 
