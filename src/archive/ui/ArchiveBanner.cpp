@@ -1,0 +1,77 @@
+#include "archive/ui/ArchiveBanner.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QVBoxLayout>
+
+#include "widgets/TextButton.h"
+#include "widgets/TextConversion.h"
+#include "widgets/TextStyle.h"
+#include "widgets/ThemePalette.h"
+
+namespace notlet {
+
+namespace {
+
+constexpr int narrowestMessage = 250;
+constexpr qsizetype longestExcerpt = 60;
+
+/// The beginning of a text, as one line.
+QString excerptOf(const QString& text) {
+  const QString line = text.left(4 * longestExcerpt).simplified();
+  return line.size() <= longestExcerpt ? line : line.left(longestExcerpt) + QStringLiteral("…");
+}
+
+} // namespace
+
+ArchiveBanner::ArchiveBanner(QWidget* parent)
+    : QWidget(parent),
+      m_message(new QLabel),
+      m_save(new TextButton(tr("Save as new notlet"), TextButton::Look::standard)),
+      m_discard(new TextButton(tr("Discard"), TextButton::Look::borderlessDestructive)) {
+  m_message->setTextFormat(Qt::PlainText);
+  m_message->setWordWrap(true);
+  m_message->setFont(textFont(TextStyle::footnote));
+  m_message->setForegroundRole(ThemeRole::primaryText);
+
+  auto* rows = new QVBoxLayout(this);
+  rows->setContentsMargins(12, 8, 12, 8);
+  rows->setSpacing(8);
+  rows->addWidget(m_message);
+  auto* buttons = new QHBoxLayout;
+  buttons->setSpacing(8);
+  buttons->addWidget(m_save);
+  buttons->addWidget(m_discard);
+  buttons->addStretch();
+  rows->addLayout(buttons);
+  connect(m_save, &TextButton::clicked, this, &ArchiveBanner::saveRequested);
+  connect(m_discard, &TextButton::clicked, this, &ArchiveBanner::discardRequested);
+}
+
+void ArchiveBanner::showOrphanedEdit(const QString& text) {
+  show(tr("A notlet was deleted elsewhere while you had an unsaved edit of it. Your text is kept here: “%1”")
+           .arg(excerptOf(text)),
+       true);
+}
+
+void ArchiveBanner::showWarning(const QString& warning) {
+  show(warning, false);
+}
+
+void ArchiveBanner::show(const QString& message, bool withButtons) {
+  m_message->setText(breakable(message, m_message->fontMetrics(), narrowestMessage));
+  m_message->setAccessibleName(message);
+  m_save->setVisible(withButtons);
+  m_discard->setVisible(withButtons);
+}
+
+void ArchiveBanner::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(palette().color(ThemeRole::outline), 1));
+  painter.setBrush(palette().brush(ThemeRole::surface));
+  constexpr double radius = 9;
+  painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+}
+
+} // namespace notlet
