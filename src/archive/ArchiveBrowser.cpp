@@ -177,6 +177,10 @@ void ArchiveBrowser::enterHashtags() {
   update([&](State& state) { pointAtHashtags(state); });
 }
 
+void ArchiveBrowser::enterResults() {
+  update([](State& state) { state.keyboardSection = Section::results; });
+}
+
 void ArchiveBrowser::toggleTag(const std::string& tag) {
   update([key = folded(tag)](State& state) {
     if (state.selectedTags.erase(key) == 0)

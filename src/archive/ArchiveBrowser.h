@@ -111,8 +111,9 @@ class ArchiveBrowser : public QObject {
 
   /// A click on a visible hashtag: points the keyboard at it and toggles it as a filter.
   void chooseHashtag(const std::string& tag);
-  /// The keyboard came to the hashtags by Tab.
+  /// The keyboard came to the hashtags, or to the results, by Tab.
   void enterHashtags();
+  void enterResults();
   void toggleTag(const std::string& tag);
   void activateSelectedHashtag();
   void moveBetweenHashtags(int delta);

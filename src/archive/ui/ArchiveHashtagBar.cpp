@@ -278,6 +278,20 @@ void ArchiveHashtagBar::placeChips() {
   }
   for (; used < m_chips.size(); ++used)
     m_chips[used]->hide();
+  namePointer();
+}
+
+/// The bar has the keyboard, so assistive technology reads its name; that tells where it points.
+void ArchiveHashtagBar::namePointer() {
+  QString name = tr("Hashtag filters");
+  const auto pointed = static_cast<std::size_t>(m_pointedIndex);
+  if (m_pointerIsShown && pointed < m_tags.size()) {
+    const QString tag = fromUtf8(m_tags[pointed]);
+    const bool isSelected = m_selectedTags.contains(m_tags[pointed]);
+    name = (isSelected ? tr("Hashtag filters, %1, selected") : tr("Hashtag filters, %1")).arg(tag);
+  }
+  if (name != accessibleName())
+    setAccessibleName(name);
 }
 
 void ArchiveHashtagBar::resizeEvent(QResizeEvent*) {

@@ -58,6 +58,7 @@ class ArchiveHashtagBar : public QWidget {
   void scrollTo(int x);
   void scrollToPointer(bool animated);
   void placeChips();
+  void namePointer();
   [[nodiscard]] Chip* chip(std::size_t number);
 
   SearchLabel* m_searchLabel;

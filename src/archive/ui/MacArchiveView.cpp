@@ -1,5 +1,6 @@
 #include "archive/ui/MacArchiveView.h"
 
+#include <QFocusEvent>
 #include <QLineEdit>
 #include <QVBoxLayout>
 
@@ -79,6 +80,7 @@ void MacArchiveView::connectHandlers() {
   connect(m_search, &SearchField::focusChanged, &m_browser, &ArchiveBrowser::setSearchFocused);
   connect(m_hashtags, &ArchiveHashtagBar::chosen, &m_browser, &ArchiveBrowser::chooseHashtag);
   connect(m_hashtags, &ArchiveHashtagBar::entered, &m_browser, &ArchiveBrowser::enterHashtags);
+  m_list->view().installEventFilter(this);
   connect(m_banner, &ArchiveBanner::saveRequested, &m_browser, &ArchiveBrowser::saveOrphanedEdit);
   connect(m_banner, &ArchiveBanner::discardRequested, this, &MacArchiveView::askToDiscard);
 }
@@ -125,14 +127,34 @@ void MacArchiveView::renderBanner() {
   m_banner->setVisible(orphan || !warning.empty());
 }
 
+/// What has the keyboard while no text is being typed.
+QWidget* MacArchiveView::keyboardWidget() const {
+  const bool isOnHashtags = m_browser.state().keyboardSection == MacArchiveKeyboardSection::hashtags;
+  return isOnHashtags && m_hashtags->isVisible() ? m_hashtags : m_content->currentWidget();
+}
+
 void MacArchiveView::renderFocus() {
-  const bool isWanted = m_browser.state().searchFocused;
-  if (!isVisible() || isWanted == m_search->lineEdit()->hasFocus())
+  const auto& state = m_browser.state();
+  if (!isVisible())
     return;
-  if (isWanted)
-    m_search->setFocus(Qt::OtherFocusReason);
-  else
-    m_content->currentWidget()->setFocus(Qt::OtherFocusReason);
+  if (state.searchFocused != m_search->lineEdit()->hasFocus()) {
+    QWidget* target = state.searchFocused ? m_search : keyboardWidget();
+    return target->setFocus(Qt::OtherFocusReason);
+  }
+  // An editor keeps the keyboard, and so does whatever was reached by Tab.
+  const bool isMovable = m_hashtags->hasFocus() || m_content->currentWidget()->hasFocus();
+  if (isMovable && state.keyboardSection != MacArchiveKeyboardSection::search &&
+      !keyboardWidget()->hasFocus())
+    keyboardWidget()->setFocus(Qt::OtherFocusReason);
+}
+
+bool MacArchiveView::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::FocusIn) {
+    const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+    if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason)
+      m_browser.enterResults();
+  }
+  return QWidget::eventFilter(watched, event);
 }
 
 void MacArchiveView::renderDeleteConfirmation() {
@@ -181,7 +203,7 @@ void MacArchiveView::showEvent(QShowEvent* event) {
   m_browser.appear();
   // Otherwise the window gives the keyboard to the search field, which comes first.
   if (!m_browser.state().searchFocused)
-    m_content->currentWidget()->setFocus(Qt::OtherFocusReason);
+    keyboardWidget()->setFocus(Qt::OtherFocusReason);
   renderFocus();
 }
 

@@ -28,6 +28,8 @@ class MacArchiveView : public QWidget {
 
   [[nodiscard]] QSize minimumSizeHint() const override { return {0, 0}; }
 
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
  protected:
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;
@@ -40,6 +42,7 @@ class MacArchiveView : public QWidget {
   void renderContent();
   void renderBanner();
   void renderFocus();
+  [[nodiscard]] QWidget* keyboardWidget() const;
   void renderDeleteConfirmation();
   void renderSaveAlert();
   void askToDiscard();

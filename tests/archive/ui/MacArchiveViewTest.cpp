@@ -4,6 +4,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QTest>
 #include <QVBoxLayout>
 #include <gmock/gmock.h>
@@ -129,6 +130,48 @@ TEST_F(MacArchiveViewTest, TheFieldFollowsTheStateAndTheStateTheField) {
   center.post(CommandName::clearMacHashtagSearch);
   EXPECT_FALSE(field->hasFocus());
   EXPECT_EQ(field->text(), QStringLiteral("anna"));
+}
+
+TEST_F(MacArchiveViewTest, TheKeyboardIsWhereTheStateSaysAndTabMovesBoth) {
+  fill({"a #work", "b #home"});
+  ASSERT_TRUE(isSeen([&] { return bar->isVisible(); }));
+  auto& list = view->findChild<ArchiveList*>()->view();
+  EXPECT_TRUE(list.hasFocus());
+  center.post(CommandName::selectNextMacNotlet);
+  center.post(CommandName::selectPreviousMacNotlet);
+  EXPECT_TRUE(bar->hasFocus());
+  EXPECT_EQ(bar->accessibleName(), QStringLiteral("Hashtag filters, work"));
+  center.post(CommandName::activateSelectedMacHashtag);
+  EXPECT_EQ(bar->accessibleName(), QStringLiteral("Hashtag filters, work, selected"));
+  center.post(CommandName::selectNextMacNotlet);
+  EXPECT_TRUE(list.hasFocus());
+
+  field->setFocus();
+  QTest::keyClick(field, Qt::Key_Tab);
+  EXPECT_TRUE(bar->hasFocus());
+  EXPECT_TRUE(flags.hashtagNavigationActive);
+  EXPECT_FALSE(flags.searchFieldActive);
+  QTest::keyClick(bar, Qt::Key_Tab);
+  EXPECT_TRUE(list.hasFocus());
+  EXPECT_EQ(state().keyboardSection, MacArchiveKeyboardSection::results);
+  QTest::keyClick(&list, Qt::Key_Backtab, Qt::ShiftModifier);
+  EXPECT_TRUE(bar->hasFocus());
+  EXPECT_TRUE(flags.hashtagNavigationActive);
+}
+
+// A click on a chip is no reason to take the keyboard from a text.
+TEST_F(MacArchiveViewTest, ATextKeepsTheKeyboardWhenAChipIsClicked) {
+  fill({"a #work", "b #home"});
+  ASSERT_TRUE(isSeen([&] { return chip(QStringLiteral("work")) != nullptr; }));
+  field->setFocus();
+  QTest::mouseClick(chip(QStringLiteral("work")), Qt::LeftButton);
+  EXPECT_TRUE(field->hasFocus());
+  browser->select(context->at(0).id);
+  browser->beginEditing(context->at(0).id);
+  ASSERT_TRUE(isSeen([&] { return qobject_cast<QPlainTextEdit*>(QApplication::focusWidget()) != nullptr; }));
+  QTest::mouseClick(chip(QStringLiteral("work")), Qt::LeftButton);
+  QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("!"));
+  EXPECT_NE(state().editDraft.find('!'), std::string::npos);
 }
 
 TEST_F(MacArchiveViewTest, AnotherWindowTakesTheKeysForAWhileOnly) {
