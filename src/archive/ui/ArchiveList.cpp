@@ -151,6 +151,11 @@ void ArchiveList::takeKeyboardFromRow() {
     m_view->setFocus(Qt::OtherFocusReason);
 }
 
+// The view shows the rows until its end: it even repaints when it loses the keyboard by being deleted.
+ArchiveList::~ArchiveList() {
+  delete m_view;
+}
+
 void ArchiveList::resizeEvent(QResizeEvent*) {
   if (m_activeRow)
     m_activeRow->setPageHeight(m_view->viewport()->height());

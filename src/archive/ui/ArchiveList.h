@@ -18,6 +18,7 @@ class ArchiveList : public QWidget {
  public:
   /// The browser must outlive the list.
   explicit ArchiveList(ArchiveBrowser& browser, QWidget* parent = nullptr);
+  ~ArchiveList() override;
 
   [[nodiscard]] VirtualListView& view() const { return *m_view; }
 
