@@ -13,6 +13,9 @@ namespace {
 
 const std::string changedElsewhere = "This notlet was changed elsewhere while you were editing it. Saving "
                                      "replaces that change with your text.";
+const std::string replacesEarlierEdit = "There is an earlier edit of this notlet that is not saved. What you "
+                                        "type now replaces it; cancel and choose "
+                                        "“Restore unsaved edit” to go on with it.";
 
 } // namespace
 
@@ -39,15 +42,24 @@ void ArchiveBrowser::beginEditing(const Uuid& id) {
   // What is being typed must not be replaced by what is stored.
   if (m_state.editingID == id)
     return update([&](State& state) { state.selectedID = id; });
-  if (const NotletEntry* notlet = list().find(id))
-    openEditor(id, notlet->content);
+  const NotletEntry* notlet = list().find(id);
+  if (notlet == nullptr)
+    return;
+  const bool hasEarlierEdit = hasUnsavedEdit(id);
+  openEditor(id, notlet->content);
+  if (hasEarlierEdit)
+    update([](State& state) { state.editNotice = replacesEarlierEdit; });
 }
 
 void ArchiveBrowser::setEditDraft(std::string draft) {
   if (!m_state.editingID || draft == m_state.editDraft)
     return;
   const Uuid id = *m_state.editingID;
-  update([&](State& state) { state.editDraft = std::move(draft); });
+  update([&](State& state) {
+    state.editDraft = std::move(draft);
+    if (state.editNotice == replacesEarlierEdit)
+      state.editNotice.clear();
+  });
   keepDraft(id);
 }
 
@@ -193,7 +205,10 @@ void ArchiveBrowser::followEditedNotlet(const Uuid& id) {
   if (notlet == nullptr)
     return cancelEditing();
   update([&](State& state) {
-    state.editNotice = notlet->content == m_contentAtOpening ? std::string() : changedElsewhere;
+    if (notlet->content != m_contentAtOpening)
+      state.editNotice = changedElsewhere;
+    else if (state.editNotice == changedElsewhere)
+      state.editNotice.clear();
   });
 }
 

@@ -97,6 +97,23 @@ TEST_F(UnsavedEditsTest, AnEditThatChangesNothingIsNotKept) {
   EXPECT_TRUE(sees([&] { return !browser->hasUnsavedEdit(id); }));
 }
 
+TEST_F(UnsavedEditsTest, StartingAnewWarnsThatTheEarlierEditWillBeReplaced) {
+  const Uuid id = fill({"first"})[0];
+  edit(id, "an hour of work");
+  browser->cancelEditing();
+  browser->beginEditing(id);
+  EXPECT_EQ(state().editDraft, "first");
+  EXPECT_NE(state().editNotice, "");
+  browser->cancelEditing();
+  EXPECT_EQ(state().editNotice, "");
+  browser->restoreUnsavedEdit(id);
+  EXPECT_EQ(state().editDraft, "an hour of work");
+  EXPECT_EQ(state().editNotice, "");
+  browser->cancelEditing();
+  edit(id, "another idea");
+  EXPECT_EQ(state().editNotice, "");
+}
+
 TEST_F(UnsavedEditsTest, DeletingTheNotletDeletesItsUnsavedEdit) {
   const Uuid id = fill({"first", "second"})[0];
   edit(id, "changed");
