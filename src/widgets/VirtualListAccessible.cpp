@@ -80,8 +80,9 @@ class RowWidgetInterface final : public QAccessibleWidget {
   }
   [[nodiscard]] QString text(QAccessible::Text kind) const override {
     const auto* list = listOfRowWidget(widget());
-    return list && kind == QAccessible::Name ? list->rows().accessibleText(*list->widgetRow())
-                                             : QAccessibleWidget::text(kind);
+    const auto row = list ? list->widgetRow() : std::nullopt;
+    return row && kind == QAccessible::Name ? list->rows().accessibleText(*row)
+                                            : QAccessibleWidget::text(kind);
   }
   [[nodiscard]] QAccessible::State state() const override {
     QAccessible::State state = QAccessibleWidget::state();

@@ -1,12 +1,10 @@
 #include "widgets/VirtualListView.h"
 
 #include <QApplication>
-#include <QKeyEvent>
+#include <QPaintEvent>
 #include <QPainter>
-#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <algorithm>
-#include <cmath>
 
 #include "widgets/Motion.h"
 #include "widgets/ThemePalette.h"
@@ -18,17 +16,11 @@ namespace notlet {
 
 namespace {
 
-constexpr int singleStep = 24;
 /// Rows that are measured to guess the heights of all others.
 constexpr std::size_t sampleSize = 24;
-/// Far below what an int holds, so that the bar can add to it.
-constexpr std::int64_t longestBar = 1 << 30;
-/// A row that is more rows away is jumped to rather than walked to.
-constexpr std::size_t walkableRows = 64;
 
-std::optional<std::size_t> afterInsertion(std::optional<std::size_t> row, std::size_t first,
-                                          std::size_t count) {
-  return row && *row >= first ? *row + count : row;
+std::size_t afterInsertion(std::size_t row, std::size_t first, std::size_t count) {
+  return row >= first ? row + count : row;
 }
 
 std::optional<std::size_t> afterRemoval(std::optional<std::size_t> row, std::size_t first,
@@ -134,10 +126,11 @@ void VirtualListView::rowsInserted(std::size_t first, std::size_t count) {
   if (m_heights.count() > 0 && anchor.row >= first && !(staysAtTop && first == 0))
     anchor.row += count;
   m_heights.insert(first, count);
-  m_currentRow = afterInsertion(m_currentRow, first, count);
-  m_widgetRow = *afterInsertion(m_widgetRow, first, count);
+  if (m_currentRow)
+    m_currentRow = afterInsertion(*m_currentRow, first, count);
+  m_widgetRow = afterInsertion(m_widgetRow, first, count);
   if (m_glide)
-    m_glide->goal.row = *afterInsertion(m_glide->goal.row, first, count);
+    m_glide->goal.row = afterInsertion(m_glide->goal.row, first, count);
   // An estimate made from few rows says little about many.
   if (m_heights.count() >= 2 * m_countAtEstimate)
     estimateHeights();
@@ -241,136 +234,6 @@ std::optional<std::size_t> VirtualListView::widgetRow() const {
   return m_widget ? std::optional(m_widgetRow) : std::nullopt;
 }
 
-// Where the list is
-
-VirtualListView::Anchor VirtualListView::steadyAnchor() const {
-  if (m_widget && m_widget->isAncestorOf(QApplication::focusWidget())) {
-    if (const auto rect = rowRect(m_widgetRow))
-      return {m_widgetRow, rect->top()};
-  }
-  return m_anchor;
-}
-
-VirtualListView::Anchor VirtualListView::atFirstVisible(Anchor anchor) {
-  while (anchor.row > 0 && anchor.top > 0)
-    anchor.top -= heightOf(--anchor.row);
-  if (anchor.row == 0)
-    anchor.top = std::min(anchor.top, 0);
-  while (anchor.row + 1 < m_heights.count() && anchor.top + heightOf(anchor.row) <= 0)
-    anchor.top += heightOf(anchor.row++);
-  return anchor;
-}
-
-int VirtualListView::emptyBelow(Anchor anchor) {
-  int bottom = anchor.top;
-  for (std::size_t row = anchor.row; row < m_heights.count() && bottom < pageHeight(); ++row)
-    bottom += heightOf(row);
-  return std::max(0, pageHeight() - bottom);
-}
-
-VirtualListView::Anchor VirtualListView::clamped(Anchor anchor) {
-  if (m_heights.count() == 0)
-    return {};
-  anchor.row = std::min(anchor.row, m_heights.count() - 1);
-  anchor = atFirstVisible(anchor);
-  anchor.top += emptyBelow(anchor);
-  return atFirstVisible(anchor);
-}
-
-void VirtualListView::moveTo(Anchor anchor) {
-  m_anchor = clamped(anchor);
-  place();
-}
-
-void VirtualListView::moveToOffset(std::int64_t offset) {
-  if (m_heights.count() == 0)
-    return;
-  if (offset >= m_heights.top(m_heights.count()) - pageHeight())
-    return moveToEnd();
-  const std::size_t row = m_heights.rowAt(offset);
-  moveTo({row, static_cast<int>(m_heights.top(row) - offset)});
-}
-
-void VirtualListView::moveToEnd() {
-  if (m_heights.count() == 0)
-    return;
-  const std::size_t last = m_heights.count() - 1;
-  moveTo({last, pageHeight() - heightOf(last)});
-}
-
-std::int64_t VirtualListView::offset() const {
-  return m_heights.top(m_anchor.row) - m_anchor.top;
-}
-
-void VirtualListView::scrollBy(int pixels) {
-  stopGlide();
-  const bool isFar = std::abs(pixels) > 4 * pageHeight();
-  if (isFar)
-    moveToOffset(offset() + pixels);
-  else
-    moveTo({m_anchor.row, m_anchor.top - pixels});
-}
-
-std::optional<int> VirtualListView::topNearby(std::size_t row) {
-  if (row + walkableRows < m_anchor.row || row > m_anchor.row + walkableRows)
-    return std::nullopt;
-  int top = m_anchor.top;
-  for (std::size_t above = row; above < m_anchor.row; ++above)
-    top -= heightOf(above);
-  for (std::size_t above = m_anchor.row; above < row; ++above)
-    top += heightOf(above);
-  return top;
-}
-
-void VirtualListView::scrollToCentre(std::size_t row, bool animated) {
-  if (row >= m_heights.count())
-    return;
-  stopGlide();
-  m_pointer.reset(); // Rows that pass below a pointer at rest do not light up.
-  const Anchor start = m_anchor;
-  const bool isBelow = row > start.row;
-  std::optional<int> from = topNearby(row);
-  const int centred = std::max(0, (pageHeight() - heightOf(row)) / 2);
-  // Near the ends of the list the row comes to rest elsewhere.
-  m_anchor = clamped({row, centred});
-  const int goal = topNearby(row).value_or(centred);
-  const auto duration = animated && isVisible() ? Motion::duration(this) : std::chrono::milliseconds(0);
-  const int longestWay = 2 * pageHeight();
-  if (!from || std::abs(*from - goal) > longestWay)
-    from = goal + (isBelow ? longestWay : -longestWay);
-  if (duration.count() == 0 || *from == goal)
-    return moveTo({row, goal});
-  m_glide = Glide{{row, goal}, *from - goal};
-  m_animation.setDuration(static_cast<int>(duration.count()));
-  m_animation.start();
-}
-
-void VirtualListView::glide(double progress) {
-  if (!m_glide)
-    return;
-  const int rest = static_cast<int>(std::lround(m_glide->distance * (1 - progress)));
-  moveTo({m_glide->goal.row, m_glide->goal.top + rest});
-  if (progress >= 1)
-    m_glide.reset();
-}
-
-void VirtualListView::stopGlide() {
-  m_glide.reset();
-  m_animation.stop();
-}
-
-void VirtualListView::scrollIntoView(std::size_t row, const QRect& part) {
-  const std::optional<int> rowTop = row < m_heights.count() ? topNearby(row) : std::nullopt;
-  if (!rowTop)
-    return scrollToCentre(row, false);
-  const int top = *rowTop + part.top();
-  const int bottom = *rowTop + part.bottom() + 1;
-  if (top < 0)
-    scrollBy(top);
-  else if (bottom > pageHeight())
-    scrollBy(std::min(bottom - pageHeight(), top));
-}
-
 // What is on the screen
 
 void VirtualListView::place() {
@@ -401,22 +264,15 @@ std::optional<QRect> VirtualListView::rowRect(std::size_t row) const {
   return visible == m_visible.end() ? std::nullopt : std::optional(visible->rect);
 }
 
-std::optional<std::size_t> VirtualListView::rowAt(const QPoint& position) const {
+const VirtualListView::VisibleRow* VirtualListView::visibleAt(const QPoint& position) const {
   const auto visible =
       std::ranges::find_if(m_visible, [&](const VisibleRow& row) { return row.rect.contains(position); });
-  return visible == m_visible.end() ? std::nullopt : std::optional(visible->row);
+  return visible == m_visible.end() ? nullptr : std::to_address(visible);
 }
 
-void VirtualListView::updateScrollBar() {
-  const std::int64_t length = std::max<std::int64_t>(0, m_heights.top(m_heights.count()) - pageHeight());
-  m_scrollScale = std::max(1.0, static_cast<double>(length) / static_cast<double>(longestBar));
-  const auto steps = [this](std::int64_t pixels) {
-    return static_cast<int>(std::lround(static_cast<double>(pixels) / m_scrollScale));
-  };
-  const QScopedValueRollback guard(m_setsScrollBar, true);
-  verticalScrollBar()->setPageStep(std::max(1, steps(pageHeight())));
-  verticalScrollBar()->setRange(0, steps(length));
-  verticalScrollBar()->setValue(steps(offset()));
+std::optional<std::size_t> VirtualListView::rowAt(const QPoint& position) const {
+  const VisibleRow* visible = visibleAt(position);
+  return visible != nullptr ? std::optional(visible->row) : std::nullopt;
 }
 
 void VirtualListView::paintEvent(QPaintEvent* event) {
@@ -451,148 +307,6 @@ void VirtualListView::resizeEvent(QResizeEvent*) {
   if (m_glide)
     return scrollToCentre(m_glide->goal.row, true);
   moveTo(m_anchor);
-}
-
-// What the user does
-
-void VirtualListView::scrollContentsBy(int, int dy) {
-  if (m_setsScrollBar)
-    return;
-  stopGlide();
-  const bool isNear = m_scrollScale == 1.0 && std::abs(dy) < 2 * pageHeight();
-  const int value = verticalScrollBar()->value();
-  if (isNear && value != verticalScrollBar()->maximum() && value != 0)
-    scrollBy(-dy);
-  else
-    moveToOffset(static_cast<std::int64_t>(value * m_scrollScale));
-}
-
-/// A step of the bar is pixels of the list, however many pixels the bar counts as one.
-void VirtualListView::takeScrollAction(int action) {
-  const int page = std::max(singleStep, pageHeight() - singleStep);
-  const auto instead = [this](int pixels) {
-    verticalScrollBar()->setSliderPosition(verticalScrollBar()->value());
-    scrollBy(pixels);
-  };
-  switch (action) {
-  case QAbstractSlider::SliderSingleStepAdd:
-    return instead(singleStep);
-  case QAbstractSlider::SliderSingleStepSub:
-    return instead(-singleStep);
-  case QAbstractSlider::SliderPageStepAdd:
-    return instead(page);
-  case QAbstractSlider::SliderPageStepSub:
-    return instead(-page);
-  default:
-    break;
-  }
-}
-
-void VirtualListView::wheelEvent(QWheelEvent* event) {
-  const double perNotch = QApplication::wheelScrollLines() * singleStep;
-  const auto pixels = [&](int exact, int angle) { return exact != 0 ? exact : angle * perNotch / 120.0; };
-  double sideways = -pixels(event->pixelDelta().x(), event->angleDelta().x());
-  double down = -pixels(event->pixelDelta().y(), event->angleDelta().y());
-  if (event->modifiers() & Qt::ShiftModifier)
-    sideways += std::exchange(down, 0.0);
-  event->accept();
-  if (std::abs(sideways) > std::abs(down)) {
-    const QPoint position = event->position().toPoint();
-    if (const auto row = rowAt(position))
-      Q_EMIT sidewaysScrolled(*row, position - rowRect(*row)->topLeft(), static_cast<int>(sideways));
-    return;
-  }
-  // Fine wheels and touchpads send less than a pixel at a time.
-  m_wheelRest += down;
-  const double whole = std::trunc(m_wheelRest);
-  m_wheelRest -= whole;
-  if (whole != 0)
-    scrollBy(static_cast<int>(whole));
-}
-
-void VirtualListView::keyPressEvent(QKeyEvent* event) {
-  if (event->modifiers() & ~Qt::KeypadModifier)
-    return event->ignore();
-  switch (event->key()) {
-  case Qt::Key_PageDown:
-    return takeScrollAction(QAbstractSlider::SliderPageStepAdd);
-  case Qt::Key_PageUp:
-    return takeScrollAction(QAbstractSlider::SliderPageStepSub);
-  case Qt::Key_Home:
-    stopGlide();
-    return moveTo({});
-  case Qt::Key_End:
-    stopGlide();
-    return moveToEnd();
-  default:
-    event->ignore();
-  }
-}
-
-void VirtualListView::mousePressEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton)
-    m_pressed = event->position().toPoint();
-}
-
-void VirtualListView::mouseMoveEvent(QMouseEvent* event) {
-  m_pointer = event->position().toPoint();
-  updateHover();
-}
-
-void VirtualListView::mouseReleaseEvent(QMouseEvent* event) {
-  if (event->button() != Qt::LeftButton || !m_pressed)
-    return;
-  const QPoint position = event->position().toPoint();
-  const auto row = rowAt(position);
-  const bool isClick = row && row == rowAt(*m_pressed) &&
-                       (position - *m_pressed).manhattanLength() < QApplication::startDragDistance();
-  m_pressed.reset();
-  if (isClick)
-    Q_EMIT rowClicked(*row, position - rowRect(*row)->topLeft());
-}
-
-void VirtualListView::updateHover() {
-  const auto hovered = m_pointer ? rowAt(*m_pointer) : std::nullopt;
-  if (hovered == m_hoveredRow)
-    return;
-  m_hoveredRow = hovered;
-  viewport()->update();
-}
-
-bool VirtualListView::viewportEvent(QEvent* event) {
-  if (event->type() == QEvent::Leave) {
-    m_pointer.reset();
-    updateHover();
-  }
-  if (event->type() == QEvent::LayoutRequest) {
-    if (m_widget)
-      renewWidgetHeight();
-    return true;
-  }
-  return QAbstractScrollArea::viewportEvent(event);
-}
-
-bool VirtualListView::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == m_widget && event->type() == QEvent::Enter) {
-    m_pointer.reset();
-    updateHover();
-  } else if (watched == m_widget && event->type() == QEvent::LayoutRequest) {
-    renewWidgetHeight();
-  }
-  return QAbstractScrollArea::eventFilter(watched, event);
-}
-
-void VirtualListView::focusInEvent(QFocusEvent* event) {
-  QAbstractScrollArea::focusInEvent(event);
-  viewport()->update();
-  VirtualListAccessible::announceCurrentRow(this);
-  Q_EMIT focusChanged(true);
-}
-
-void VirtualListView::focusOutEvent(QFocusEvent* event) {
-  QAbstractScrollArea::focusOutEvent(event);
-  viewport()->update();
-  Q_EMIT focusChanged(false);
 }
 
 } // namespace notlet

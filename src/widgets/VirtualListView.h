@@ -133,6 +133,10 @@ class VirtualListView : public QAbstractScrollArea {
     int distance = 0;
   };
 
+  /// Pixels for one line of the wheel or one step of the bar.
+  static constexpr int singleStep = 24;
+
+  [[nodiscard]] const VisibleRow* visibleAt(const QPoint& position) const;
   [[nodiscard]] int rowWidth() const { return viewport()->width(); }
   [[nodiscard]] int pageHeight() const { return viewport()->height(); }
   [[nodiscard]] int heightOf(std::size_t row);
