@@ -175,6 +175,7 @@ def main():
         print_benchmarks("Text rules", google_benchmark([build / "bench" / "core_bench"]))
         (root / "stores").mkdir()
         print_benchmarks("The store", google_benchmark([build / "bench" / "storage_bench", root / "stores"]))
+        print_benchmarks("The archive", google_benchmark([build / "bench" / "archive_bench", root / "stores"]))
         windows = Windows(build, root)
         try:
             windows.print_times(3 if quick else 15)
