@@ -228,7 +228,7 @@ TEST_F(VirtualListViewTest, AMillionRowsAreNeitherMeasuredNorPaintedBeyondTheScr
   view.scrollToCentre(700'000, false);
   EXPECT_LT(rows.measured, 300);
   EXPECT_TRUE(view.rowRect(700'000));
-  EXPECT_NEAR(view.rowRect(700'000)->center().y(), page() / 2, 2);
+  EXPECT_LE(std::abs(view.rowRect(700'000)->center().y() - page() / 2), 2);
 }
 
 // A capture made elsewhere should be seen; but nobody should have to chase the text that they are editing.
@@ -288,7 +288,7 @@ TEST_F(VirtualListViewTest, AnAnimatedWayEndsAtTheMiddleWhereverItWasTurned) {
 
   Motion::setReduced(true);
   view.scrollToCentre(9000, true);
-  EXPECT_NEAR(view.rowRect(9000)->center().y(), page() / 2, 1);
+  EXPECT_LE(std::abs(view.rowRect(9000)->center().y() - page() / 2), 1);
   view.scrollToCentre(0, true);
   EXPECT_EQ(view.offset(), 0);
 }
