@@ -9,7 +9,6 @@
 #include "widgets/Motion.h"
 #include "widgets/ThemePalette.h"
 #include "widgets/ThemedButton.h"
-#include "widgets/ThemedScrollBar.h"
 #include "widgets/VirtualListAccessible.h"
 
 namespace notlet {
@@ -36,7 +35,6 @@ VirtualListView::VirtualListView(VirtualListRows& rows, QWidget* parent)
     : QAbstractScrollArea(parent), m_rows(rows) {
   VirtualListAccessible::install();
   setFrameShape(QFrame::NoFrame);
-  ThemedScrollBar::install(*this);
   setFocusPolicy(Qt::StrongFocus);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   viewport()->setMouseTracking(true);

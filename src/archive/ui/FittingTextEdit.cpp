@@ -7,7 +7,6 @@
 
 #include "archive/ui/WrappedText.h"
 #include "widgets/TextStyle.h"
-#include "widgets/ThemedScrollBar.h"
 
 namespace notlet {
 
@@ -27,7 +26,6 @@ FittingTextEdit::FittingTextEdit(QWidget* parent) : ExactTextEdit(parent) {
   document()->setDocumentMargin(0);
   viewport()->setAutoFillBackground(false); // What is behind shows through.
   setViewportMargins(0, 0, 0, -slack);
-  ThemedScrollBar::install(*this);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   setTabChangesFocus(true);
   QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Preferred);
