@@ -43,7 +43,7 @@ children+=($!)
 await "the X server" test -s "$home/display"
 DISPLAY=:$(cat "$home/display")
 export DISPLAY
-openbox 2>"$home/openbox.log" &
+openbox >"$home/openbox.log" 2>&1 &
 children+=($!)
 await "the window manager" sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"'
 
