@@ -20,6 +20,18 @@ import tempfile
 import time
 
 SIZES = (0, 10_000, 100_000, 1_000_000)
+# What is timed in the archive: a title, the steps before it, and the step.
+ARCHIVE = (
+    ("the archive appears", "wait,Control+s", "=a"),
+    ("first search key \"r\"", "wait,Control+s,a,wait,slash", "@r"),
+    ("last key of \"report\"", "wait,Control+s,a,wait,slash,r,e,p,o,r", "@t"),
+    ("last key of \"the\"", "wait,Control+s,a,wait,slash,t,h", "@e"),
+    ("a key that finds nothing", "wait,Control+s,a,wait,slash,q,q,x", "@z"),
+    ("back to everything", "wait,Control+s,a,wait,slash,q", "@BackSpace"),
+    ("one notch of the wheel", "wait,Control+s,a,wait", "@wheel"),
+    ("the next row becomes active", "wait,Control+s,a,wait,j,j", "@j"),
+    ("a row is opened for editing", "wait,Control+s,a,wait,j,j,Control+s", "=e"),
+)
 
 
 def machine():
@@ -101,10 +113,10 @@ class Windows:
         runtime.mkdir(mode=0o700, exist_ok=True)
         return {**self.display.environment, "HOME": str(home), "XDG_RUNTIME_DIR": str(runtime)}
 
-    def probe(self, name):
+    def probe(self, name, steps="=x"):
         title, command, home = self.programs[name]
         shutil.rmtree(home / ".local/state", ignore_errors=True)  # The typed key would come back as a draft.
-        done = subprocess.run([self.build / "bench" / "window_probe", title, *command],
+        done = subprocess.run([self.build / "bench" / "window_probe", title, steps, *command],
                               env=self.environment(home), stdout=subprocess.PIPE, check=True)
         return [float(word) for word in done.stdout.split()]
 
@@ -115,35 +127,61 @@ class Windows:
                 figure = self.probe(name)
                 if run:  # The first round warms the caches up.
                     figures[name].append(figure)
-        floor = statistics.median(start for start, _ in figures["empty window"])
+        floor = statistics.median(start for start, *_ in figures["empty window"])
         print("\n### From start to a window that takes typing, and from a key to the changed picture\n")
         print("| Program | Start, median | Least | Most | Against the empty window | Key to picture, median |")
         print("|---|---:|---:|---:|---:|---:|")
         for name, pairs in figures.items():
-            starts = [start for start, _ in pairs]
-            keys = statistics.median(key for _, key in pairs)
+            starts = [start for start, *_ in pairs]
+            keys = statistics.median(key for _, key, _ in pairs)
             print(f"| {name} | {statistics.median(starts):.0f} ms | {min(starts):.0f} ms | {max(starts):.0f} ms "
                   f"| {statistics.median(starts) / floor:.2f} | {keys:.1f} ms |")
+
+    def print_archive(self, runs):
+        print("\n### In the archive, from a key to the changed list: first and last picture\n")
+        names = [f"{size:,} notlets" for size in SIZES if size >= 100_000]
+        print("| Step | " + " | ".join(f"{name}: first | most | last | most" for name in names) + " |")
+        print("|---|" + "---:|" * 4 * len(names))
+        for title, before, step in ARCHIVE:
+            cells = []
+            for name in names:
+                waits = before.replace("wait", "wait,wait") if "1,000,000" in name else before
+                figures = [self.probe(name, f"{waits},{step}")[1:] for _ in range(runs)]
+                for column in zip(*figures):
+                    cells += [f"{statistics.median(column):.1f} ms", f"{max(column):.1f} ms"]
+            print(f"| {title} | " + " | ".join(cells) + " |")
+
+    def press(self, *keys):
+        subprocess.run(["xdotool", "key", "--clearmodifiers", *keys], env=self.display.environment, check=True)
 
     def print_resources(self):
         print("\n### Memory when everything is loaded, and wake-ups while idle\n")
         print("| Program | Resident | Of it private | Wake-ups in 5 s | CPU time in 5 s |\n|---|---:|---:|---:|---:|")
-        for name, (_, command, home) in self.programs.items():
-            child = self.display.start(command, self.environment(home))
-            time.sleep(3 if "1,000,000" not in name else 8)
-            # The blinking caret is the desktop's wish; without the focus there is none.
-            subprocess.run(["xdotool", "key", "--clearmodifiers", "super+d"], env=self.display.environment, check=False)
-            other = self.display.start(["xmessage", "-center", "takes the focus"])
-            time.sleep(1)
-            before = activity(child.pid)
-            time.sleep(5)
-            after = activity(child.pid)
-            resident, private = memory(child.pid)
-            print(f"| {name} | {resident / 1024:.0f} MB | {private / 1024:.0f} MB | {after[0] - before[0]} "
-                  f"| {(after[1] - before[1]) * 10} ms |")
-            for started in (other, child):
-                started.terminate()
-                started.wait()
+        for name in self.programs:
+            self.print_resources_of(name)
+        for size in SIZES[1:]:
+            self.print_resources_of(f"{size:,} notlets", ", archive searched", ("ctrl+s", "a", "slash", "r", "e"))
+
+    def print_resources_of(self, name, besides="", keys=()):
+        _, command, home = self.programs[name]
+        child = self.display.start(command, self.environment(home))
+        time.sleep(3 if "1,000,000" not in name else 8)
+        for key in keys:
+            self.press(key)
+            time.sleep(0.5)
+        # The blinking caret is the desktop's wish; without the focus there is none.
+        subprocess.run(["xdotool", "key", "--clearmodifiers", "super+d"], env=self.display.environment, check=False)
+        other = self.display.start(["xmessage", "-center", "takes the focus"])
+        time.sleep(1)
+        before = activity(child.pid)
+        time.sleep(5)
+        after = activity(child.pid)
+        resident, private = memory(child.pid)
+        print(f"| {name}{besides} | {resident / 1024:.0f} MB | {private / 1024:.0f} MB | {after[0] - before[0]} "
+              f"| {(after[1] - before[1]) * 10} ms |")
+        for started in (other, child):
+            started.terminate()
+            started.wait()
 
 
 def memory(pid):
@@ -179,6 +217,7 @@ def main():
         windows = Windows(build, root)
         try:
             windows.print_times(3 if quick else 15)
+            windows.print_archive(2 if quick else 5)
             windows.print_resources()
         finally:
             windows.display.close()

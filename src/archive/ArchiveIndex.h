@@ -53,6 +53,9 @@ class ArchiveIndex : public QObject {
   void insert(std::size_t first, std::size_t count);
   [[nodiscard]] Gone remove(std::size_t first, std::size_t count);
   [[nodiscard]] Slot add(const NotletEntry& notlet);
+  /// Looks at nothing that changes while the index is searched: several threads may call it at once.
+  [[nodiscard]] std::vector<const NotletEntry*> collectPart(const ArchiveFilter& filter, std::size_t first,
+                                                            std::size_t last) const;
   [[nodiscard]] std::size_t endOfRun(std::size_t first, std::size_t last) const;
 
   ModelContext& m_modelContext;

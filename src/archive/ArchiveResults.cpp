@@ -12,9 +12,11 @@ using namespace std::chrono_literals;
 
 /// What a key press may wait for its first results, and any other event for a slice of the rest.
 constexpr auto firstSlice = 5ms;
-constexpr auto laterSlice = 3ms;
-/// Takes a fraction of a millisecond.
-constexpr std::size_t searchedPerLook = 4096;
+constexpr auto laterSlice = 4ms;
+/// The first looks are short, because they also fold what they search; later ones give several threads work
+/// for a millisecond.
+constexpr std::size_t firstLook = 4096;
+constexpr std::size_t longestLook = 32768;
 
 ArchiveIndex::Deadline after(std::chrono::microseconds time) {
   return std::chrono::steady_clock::now() + time;
@@ -108,10 +110,12 @@ void ArchiveResults::work() {
 /// Searches on where it stopped and gives the number of notlets found.
 std::size_t ArchiveResults::search(Deadline deadline) {
   const std::size_t before = m_found.size();
+  std::size_t look = firstLook;
   while (hasUnsearched()) {
     if (m_searched == m_index.size())
       m_index.extend(deadline);
-    const std::size_t last = std::min(m_searched + searchedPerLook, m_index.size());
+    const std::size_t last = std::min(m_searched + look, m_index.size());
+    look = std::min(2 * look, longestLook);
     const auto found = m_index.collect(m_filter, m_searched, last);
     m_found.insert(m_found.end(), found.begin(), found.end());
     m_searched = last;

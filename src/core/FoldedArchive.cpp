@@ -127,13 +127,18 @@ class FoldedArchive::Search {
     std::size_t position = findBytes(searched, driver.bytes, page.beginOf(first));
     while (position != std::string_view::npos) {
       index = page.indexAt(position, index);
-      if (driver.standsIn(page, index, position) && allStandIn(others, page, index))
+      if (stands(driver, page, index, position) && allStandIn(others, page, index))
         found(index);
       position = findBytes(searched, driver.bytes, page.extents[index].end);
     }
   }
 
  private:
+  /// Whether the needle, whose bytes were found at `position`, counts there or further on.
+  static bool stands(const Needle& needle, const Page& page, std::size_t index, std::size_t position) {
+    return needle.countsAt(page, index, position) || needle.standsIn(page, index, position + 1);
+  }
+
   static bool allStandIn(std::span<const Needle> needles, const Page& page, std::size_t index) {
     return std::ranges::all_of(
         needles, [&](const Needle& needle) { return needle.standsIn(page, index, page.beginOf(index)); });
@@ -146,11 +151,20 @@ std::size_t FoldedArchive::Page::beginOf(std::size_t index) const {
   return index == 0 ? 0 : extents[index - 1].end;
 }
 
-/// The slot, not before `from`, whose bytes hold the position.
+/// The slot, not before `from`, whose bytes hold the position. It is mostly near, so steps of growing length
+/// find it with fewer looks than halving all that follows.
 std::size_t FoldedArchive::Page::indexAt(std::size_t position, std::size_t from) const {
+  std::size_t step = 1;
+  std::size_t last = from;
+  while (last < extents.size() && extents[last].end <= position) {
+    from = last + 1;
+    last += step;
+    step *= 2;
+  }
   const auto begin = extents.begin() + static_cast<std::ptrdiff_t>(from);
-  const auto found = std::ranges::upper_bound(begin, extents.end(), position, {}, &Extent::end);
-  return static_cast<std::size_t>(found - extents.begin());
+  const auto end = extents.begin() + static_cast<std::ptrdiff_t>(std::min(last, extents.size()));
+  return static_cast<std::size_t>(std::ranges::upper_bound(begin, end, position, {}, &Extent::end) -
+                                  extents.begin());
 }
 
 void FoldedArchive::Page::put(std::size_t index, std::string_view newBytes, std::size_t contentLength) {

@@ -19,6 +19,7 @@ class HeightIndex {
   /// Forgets everything. The estimate is at least one pixel.
   void reset(std::size_t count, int estimate);
   void setEstimate(int estimate) { m_estimate = estimate; }
+  [[nodiscard]] int estimate() const { return m_estimate; }
   /// Makes room for rows of unknown heights.
   void insert(std::size_t first, std::size_t count);
   void remove(std::size_t first, std::size_t count);

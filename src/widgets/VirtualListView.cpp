@@ -17,6 +17,9 @@ namespace {
 
 /// Rows that are measured to guess the heights of all others.
 constexpr std::size_t sampleSize = 24;
+/// And those for a first guess.
+constexpr std::size_t quickSampleSize = 6;
+constexpr int samplesPerStep = 3;
 
 std::size_t afterInsertion(std::size_t row, std::size_t first, std::size_t count) {
   return row >= first ? row + count : row;
@@ -45,6 +48,8 @@ VirtualListView::VirtualListView(VirtualListRows& rows, QWidget* parent)
   m_animation.setEasingCurve(Motion::curve());
   connect(&m_animation, &QVariantAnimation::valueChanged, this,
           [this](const QVariant& progress) { glide(progress.toDouble()); });
+  m_sampleTimer.setSingleShot(true);
+  connect(&m_sampleTimer, &QTimer::timeout, this, &VirtualListView::extendSample);
   connect(verticalScrollBar(), &QScrollBar::actionTriggered, this, &VirtualListView::takeScrollAction);
 }
 
@@ -68,15 +73,34 @@ int VirtualListView::measuredWidgetHeight() const {
   return std::clamp(height, std::max(1, m_widget->minimumHeight()), m_widget->maximumHeight());
 }
 
-/// A sample from everywhere in the list makes the scroll bar tell about the truth from the beginning.
+/// What is about to be shown is measured anyway; the first picture waits for no more than that.
 void VirtualListView::estimateHeights() {
+  m_countAtEstimate = m_heights.count();
+  m_sample = {};
+  const std::size_t first = std::min(m_anchor.row, m_countAtEstimate);
+  const std::size_t last = std::min(first + quickSampleSize, m_countAtEstimate);
+  std::int64_t sum = 0;
+  for (std::size_t row = first; row < last; ++row)
+    sum += heightOf(row);
+  m_heights.setEstimate(first == last ? 1 : static_cast<int>(sum / static_cast<std::int64_t>(last - first)));
+  if (m_countAtEstimate > quickSampleSize)
+    m_sampleTimer.start(0);
+}
+
+/// A sample from everywhere in the list makes the scroll bar tell about the truth. It is measured in small
+/// steps, because its scripts may have fonts that are not loaded yet.
+void VirtualListView::extendSample() {
   const std::size_t count = m_heights.count();
   const std::size_t samples = std::min(count, sampleSize);
-  std::int64_t sum = 0;
-  for (std::size_t sample = 0; sample < samples; ++sample)
-    sum += std::max(1, m_rows.height(sample * count / samples, rowWidth()));
-  m_heights.setEstimate(samples == 0 ? 1 : static_cast<int>(sum / static_cast<std::int64_t>(samples)));
-  m_countAtEstimate = count;
+  for (int row = 0; row < samplesPerStep && m_sample.rows < samples; ++row, ++m_sample.rows)
+    m_sample.height += std::max(1, m_rows.height(m_sample.rows * count / samples, rowWidth()));
+  if (m_sample.rows < samples) {
+    m_sampleTimer.start(0);
+    return;
+  }
+  m_heights.setEstimate(
+      samples == 0 ? 1 : static_cast<int>(m_sample.height / static_cast<std::int64_t>(samples)));
+  updateScrollBar();
 }
 
 void VirtualListView::remeasure() {
@@ -118,7 +142,19 @@ void VirtualListView::renewWidgetHeight() {
 
 // Changes of rows
 
+/// An estimate made from few rows says little about many.
+bool VirtualListView::needsEstimate() const {
+  return m_heights.count() >= 2 * m_countAtEstimate;
+}
+
+/// Whether the list is full of rows that come before the one before this one.
+bool VirtualListView::isOutOfSight(std::size_t row) const {
+  return !m_visible.empty() && m_visible.back().row + 1 < row &&
+         m_visible.back().rect.bottom() >= pageHeight() - 1;
+}
+
 void VirtualListView::rowsInserted(std::size_t first, std::size_t count) {
+  const bool isBelowSight = isOutOfSight(first);
   const bool staysAtTop = isAtTop() && (!m_widget || !m_widget->isAncestorOf(QApplication::focusWidget()));
   Anchor anchor = steadyAnchor();
   if (m_heights.count() > 0 && anchor.row >= first && !(staysAtTop && first == 0))
@@ -129,11 +165,13 @@ void VirtualListView::rowsInserted(std::size_t first, std::size_t count) {
   m_widgetRow = afterInsertion(m_widgetRow, first, count);
   if (m_glide)
     m_glide->goal.row = afterInsertion(m_glide->goal.row, first, count);
-  // An estimate made from few rows says little about many.
-  if (m_heights.count() >= 2 * m_countAtEstimate)
+  if (needsEstimate())
     estimateHeights();
   VirtualListAccessible::forgetRows(this);
-  moveTo(anchor);
+  if (isBelowSight)
+    updateScrollBar();
+  else
+    moveTo(anchor);
 }
 
 void VirtualListView::rowsRemoved(std::size_t first, std::size_t count) {
@@ -169,17 +207,21 @@ void VirtualListView::rowsUpdated(std::size_t first, std::size_t count) {
 void VirtualListView::rowsReset(Placement placement, std::optional<std::size_t> widgetRow) {
   stopGlide();
   m_currentRow.reset();
-  m_measuredWidth = rowWidth();
-  m_heights.reset(m_rows.count(), 1);
+  // Other rows, such as those that a search finds, are about as high: measuring a sample anew takes as long
+  // as painting the list.
+  const bool hasEstimate = std::exchange(m_measuredWidth, rowWidth()) == rowWidth();
+  m_heights.reset(m_rows.count(), m_heights.estimate());
   if (m_widget && widgetRow) {
     m_widgetRow = *widgetRow;
     m_heights.set(m_widgetRow, m_widgetHeight);
   } else {
     clearRowWidget();
   }
-  estimateHeights();
+  m_anchor = {placement.row, placement.top};
+  if (!hasEstimate || needsEstimate())
+    estimateHeights();
   VirtualListAccessible::forgetRows(this);
-  moveTo({placement.row, placement.top});
+  moveTo(m_anchor);
 }
 
 void VirtualListView::setCurrentRow(std::optional<std::size_t> row) {

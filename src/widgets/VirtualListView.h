@@ -2,6 +2,7 @@
 
 #include <QAbstractScrollArea>
 #include <QPointer>
+#include <QTimer>
 #include <QVariantAnimation>
 #include <memory>
 #include <optional>
@@ -141,7 +142,10 @@ class VirtualListView : public QAbstractScrollArea {
   [[nodiscard]] int pageHeight() const { return viewport()->height(); }
   [[nodiscard]] int heightOf(std::size_t row);
   [[nodiscard]] int measuredWidgetHeight() const;
+  [[nodiscard]] bool needsEstimate() const;
   void estimateHeights();
+  void extendSample();
+  [[nodiscard]] bool isOutOfSight(std::size_t row) const;
   /// The same place told from the first visible row, and no further than the ends of the list.
   [[nodiscard]] Anchor clamped(Anchor anchor);
   [[nodiscard]] Anchor atFirstVisible(Anchor anchor);
@@ -170,6 +174,12 @@ class VirtualListView : public QAbstractScrollArea {
   VirtualListRows& m_rows;
   HeightIndex m_heights;
   std::size_t m_countAtEstimate = 0;
+  /// Rows measured for the estimate so far, and the sum of their heights.
+  struct {
+    std::size_t rows = 0;
+    std::int64_t height = 0;
+  } m_sample;
+  QTimer m_sampleTimer;
   int m_measuredWidth = 0;
   Anchor m_anchor;
   std::vector<VisibleRow> m_visible;

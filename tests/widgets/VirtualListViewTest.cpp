@@ -231,6 +231,39 @@ TEST_F(VirtualListViewTest, AMillionRowsAreNeitherMeasuredNorPaintedBeyondTheScr
   EXPECT_LE(std::abs(view.rowRect(700'000)->center().y() - page() / 2), 2);
 }
 
+// The first rows say little about the others: the bar must come to tell of all, without the first picture
+// waiting for their measuring, and without anything moving.
+TEST_F(VirtualListViewTest, TheBarComesToTellOfTheWholeList) {
+  rows = NumberedRows(5'000);
+  for (int number = 0; number < 100; ++number)
+    rows.numbers[static_cast<std::size_t>(number)] = 170 * number; // All of the least height.
+  std::int64_t height = 0;
+  for (const int number : rows.numbers)
+    height += rows.heightOf(number, 400);
+  view.resize(400, 300);
+  view.rowsReset();
+  view.show();
+  const auto isAboutRight = [&] {
+    return std::abs(view.verticalScrollBar()->maximum() - height) < height / 8;
+  };
+  EXPECT_FALSE(isAboutRight());
+  EXPECT_TRUE(QTest::qWaitFor(isAboutRight));
+  EXPECT_EQ(view.offset(), 0);
+  EXPECT_EQ(view.visibleRows().front().rect.top(), 0);
+}
+
+// Results that come in page by page while a search goes on must not paint the list anew each time.
+TEST_F(VirtualListViewTest, RowsThatComeInOutOfSightPaintNothingButTheBar) {
+  show(100);
+  QCoreApplication::processEvents();
+  rows.painted.clear();
+  const int before = view.verticalScrollBar()->maximum();
+  insert(50, 60);
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(rows.painted.empty());
+  EXPECT_GT(view.verticalScrollBar()->maximum(), before);
+}
+
 // A capture made elsewhere should be seen; but nobody should have to chase the text that they are editing.
 TEST_F(VirtualListViewTest, ANewFirstRowIsShownAtTheTopUnlessARowIsBeingEdited) {
   show(50);
