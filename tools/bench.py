@@ -30,7 +30,7 @@ ARCHIVE = (
     ("back to everything", "wait,Control+s,a,wait,slash,q", "@BackSpace"),
     ("one notch of the wheel", "wait,Control+s,a,wait", "@wheel"),
     ("the next row becomes active", "wait,Control+s,a,wait,j,j", "@j"),
-    ("a row is opened for editing", "wait,Control+s,a,wait,j,j,Control+s", "=e"),
+    ("a row is opened for editing", "wait,Control+s,a,wait,j,j", "=e"),
 )
 
 

@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QScrollBar>
 #include <QTextBlock>
 #include <QTextBoundaryFinder>
 #include <QTextDocument>
@@ -77,6 +78,10 @@ qsizetype lineEnd(QStringView text, qsizetype start) {
 
 ExactTextEdit::ExactTextEdit(QWidget* parent) : QPlainTextEdit(parent) {
   setTabChangesFocus(false);
+  // Lines are wrapped, yet the widget makes room for a caret behind a full one by scrolling sideways, and
+  // stays there.
+  connect(horizontalScrollBar(), &QScrollBar::rangeChanged, this,
+          [this] { horizontalScrollBar()->setRange(0, 0); });
 }
 
 QString ExactTextEdit::exactText() const {

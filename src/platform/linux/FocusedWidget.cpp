@@ -16,6 +16,13 @@ QWidget* focusedWidget() {
   return window == nullptr ? nullptr : window->focusWidget();
 }
 
+/// What only shows its text takes no typing, though it can have the keyboard: so that it can be copied.
+template<typename Edit>
+bool isWritable(const QWidget* widget) {
+  const auto* edit = qobject_cast<const Edit*>(widget);
+  return edit != nullptr && !edit->isReadOnly();
+}
+
 bool isEditableComboBox(const QWidget* widget) {
   const auto* box = qobject_cast<const QComboBox*>(widget);
   return box != nullptr && box->isEditable();
@@ -25,10 +32,8 @@ bool isEditableComboBox(const QWidget* widget) {
 
 bool FocusedWidget::isTextInputFocused() const {
   const QWidget* widget = focusedWidget();
-  return qobject_cast<const QLineEdit*>(widget) != nullptr ||
-         qobject_cast<const QPlainTextEdit*>(widget) != nullptr ||
-         qobject_cast<const QTextEdit*>(widget) != nullptr ||
-         qobject_cast<const QAbstractSpinBox*>(widget) != nullptr || isEditableComboBox(widget);
+  return isWritable<QLineEdit>(widget) || isWritable<QPlainTextEdit>(widget) ||
+         isWritable<QTextEdit>(widget) || isWritable<QAbstractSpinBox>(widget) || isEditableComboBox(widget);
 }
 
 void FocusedWidget::clearFocus() {

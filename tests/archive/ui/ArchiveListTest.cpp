@@ -191,6 +191,18 @@ TEST_F(ArchiveListTest, DraftsReachTheStoreAsTypedAndTextsTheClipboard) {
   EXPECT_EQ(storedText(ids[0]), awkward + "!");
 }
 
+// An editor that opens at the end of a text must not push the text's lines out of sight sideways.
+TEST_F(ArchiveListTest, NoLineOfTheEditorIsCutOff) {
+  show({std::string(70, 'w')});
+  clickRow(0);
+  press(QStringLiteral("Edit"));
+  settle();
+  for (int typed = 0; typed < 40; ++typed) {
+    QTest::keyClick(editor(), Qt::Key_W);
+    ASSERT_EQ(editor()->horizontalScrollBar()->value(), 0) << typed;
+  }
+}
+
 TEST_F(ArchiveListTest, AChosenSuggestionCompletesTheDraftAndTypingGoesOnBehindIt) {
   show({"call", "a #work"});
   clickRow(0);
