@@ -21,9 +21,7 @@ MainWindow::MainWindow(AppSettings& settings, QWidget* content) : m_notice(new N
   rows->addWidget(m_notice);
   rows->addWidget(content, 1);
   connect(m_notice, &NoticeBar::dismissed, this, &MainWindow::noticeDismissed);
-  auto* column = new QVBoxLayout(this);
-  column->setContentsMargins(0, 0, 0, 0);
-  column->addWidget(new AppThemeContainer(settings, framed));
+  setCentralWidget(new AppThemeContainer(settings, framed));
 }
 
 void MainWindow::setNotice(const QString& text) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include <QMainWindow>
 
 #include "themes/AppSettings.h"
 #include "widgets/AppThemeContainer.h"
@@ -10,7 +10,7 @@ namespace notlet {
 
 /// The program's main window: one content in the theme in force. Closing it hides it; the owner decides what
 /// follows.
-class MainWindow : public QWidget {
+class MainWindow : public QMainWindow {
   Q_OBJECT
 
  public:
