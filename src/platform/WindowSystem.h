@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QObject>
+#include <QPoint>
+#include <cstdint>
+
+namespace notlet {
+
+/// What Qt's `QWidget::winId()` gives.
+using WindowID = std::uintptr_t;
+
+/// What the program asks of the window system beyond what Qt offers.
+class WindowSystem : public QObject {
+  Q_OBJECT
+
+ public:
+  /// Whether windows may be translucent.
+  [[nodiscard]] virtual bool hasCompositor() const = 0;
+  /// Gives the keyboard to a window that is shown, as an answer to what the user did last, so that the window
+  /// manager has no reason to refuse.
+  virtual void activate(WindowID window) = 0;
+  /// Has the window on every workspace and in no task list. To be called before the window is first shown.
+  virtual void putOnAllWorkspaces(WindowID window) = 0;
+  /// Whether mousePressed() tells of presses of a mouse button anywhere on the desktop.
+  virtual void watchMouse(bool watched) = 0;
+
+ Q_SIGNALS:
+  void compositorChanged();
+  /// In Qt's screen coordinates. Nobody is kept from getting the press.
+  void mousePressed(const QPoint& position);
+};
+
+} // namespace notlet

@@ -1,0 +1,21 @@
+#pragma once
+
+namespace notlet {
+
+/// The popover and the main window, as the shell commands them.
+class ShellSurfaces {
+ public:
+  virtual ~ShellSurfaces() = default;
+  [[nodiscard]] virtual bool isPopoverShown() const = 0;
+  /// Shows the popover under the status item and gives it the keyboard.
+  virtual void showPopover() = 0;
+  /// Gives the keyboard to the popover, which is shown already.
+  virtual void activatePopover() = 0;
+  virtual void closePopover() = 0;
+  /// Shows the main window in front of all others and gives it the keyboard.
+  virtual void activateMainWindow() = 0;
+  virtual void hideMainWindow() = 0;
+  [[nodiscard]] virtual bool isMainWindowShown() const = 0;
+};
+
+} // namespace notlet
