@@ -1,0 +1,94 @@
+#pragma once
+
+#include <QObject>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "commands/NotificationCenter.h"
+#include "platform/GlobalHotKey.h"
+#include "platform/LaunchRequest.h"
+#include "platform/StatusItem.h"
+#include "platform/SteadyClock.h"
+#include "shell/MacFloatingPanelController.h"
+#include "shell/ShellSurfaces.h"
+#include "shell/WindowLife.h"
+#include "shortcuts/MacShortcutCoordinator.h"
+#include "shortcuts/MacShortcutSettings.h"
+
+namespace notlet {
+
+/// What the program does as a whole: which of its surfaces answers the status item, the hot key, links, other
+/// starts of the program and the commands.
+class NotletMacAppDelegate : public QObject {
+  Q_OBJECT
+
+ public:
+  /// All must outlive the delegate.
+  struct Surroundings {
+    ShellSurfaces& surfaces;
+    /// Null when the store is not open; then there is no floating mode at all.
+    MacFloatingPanelController* floatingPanelController;
+    NotificationCenter& notificationCenter;
+    MacShortcutCoordinator& coordinator;
+    MacShortcutSettings& shortcutSettings;
+    GlobalHotKey& hotKey;
+    StatusItem& statusItem;
+    const SteadyClock& clock;
+  };
+
+  explicit NotletMacAppDelegate(const Surroundings& surroundings, QObject* parent = nullptr);
+
+  /// Starts to listen, asks for the hot key and does what the program was started for: the main window comes
+  /// forward, unless only the quick capture is asked for.
+  void applicationDidFinishLaunching(const LaunchRequest& request = {});
+  /// Brings edits of the shortcut file by hand into force.
+  void applicationDidBecomeActive();
+  /// Gives the hot key back.
+  void applicationWillTerminate();
+  /// The user opened the program again.
+  void applicationShouldHandleReopen();
+  /// Takes the first link whose scheme is exactly "notlet", of any length, and looks at nothing beyond it.
+  void applicationOpen(std::span<const std::string> urls);
+  /// What another start of the program asks for.
+  void handle(const LaunchRequest& request);
+
+  /// Brings the main window forward once the current event is over.
+  void activateMainWindow();
+  /// To be called when the popover closed because it lost the keyboard or because of a press elsewhere, but
+  /// not when it was told to close.
+  void popoverClosedByItself();
+
+  /// What can bring the program back when its main window is closed now.
+  [[nodiscard]] WaysBack waysBack() const;
+
+ Q_SIGNALS:
+  /// Chosen in the status item's menu.
+  void settingsRequested();
+  void quitRequested();
+
+ private:
+  void listenToStatusItem();
+  void configureGlobalQuickNotletHotKey();
+  void observeCommands();
+  void reportHotKey(GlobalHotKey::Failure failure);
+
+  void togglePopover();
+  void enterFloatingMode();
+  void openGlobalQuickNotlet();
+  void collapseFloatingCapture();
+  void revealMainAppForNavigation();
+
+  [[nodiscard]] bool isFloatingMode() const;
+  [[nodiscard]] bool closedForThisClick() const;
+  void postNextTurn(CommandName name);
+
+  Surroundings m_surroundings;
+  std::optional<SteadyClock::Time> m_popoverClosed;
+  /// It was asked for and not refused.
+  bool m_hasHotKey = false;
+  /// Why there is no hot key.
+  std::optional<std::string> m_hotKeyMessage;
+};
+
+} // namespace notlet
