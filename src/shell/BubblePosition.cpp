@@ -11,8 +11,9 @@ constexpr std::string_view displayKey = "macFloatingBubbleDisplayID";
 constexpr std::string_view xKey = "macFloatingBubbleNormalizedX";
 constexpr std::string_view yKey = "macFloatingBubbleNormalizedY";
 
-// A bubble whose place cannot be kept stands somewhere else next time, which is no reason to disturb anybody.
-void keep(const Result<void>&) {
+/// A bubble whose place cannot be kept stands somewhere else at the next start, which disturbs nobody.
+void ignoreFailure(const Result<void>& written) {
+  static_cast<void>(written);
 }
 
 } // namespace
@@ -42,9 +43,9 @@ void BubblePosition::persistBubblePosition(const QPointF& center, const ScreenAr
   const QRectF& visible = screen.visibleFrame;
   if (!(visible.width() > 0 && visible.height() > 0))
     return;
-  keep(m_defaults.setInteger(displayKey, screen.displayID));
-  keep(m_defaults.setNumber(xKey, (center.x() - visible.x()) / visible.width()));
-  keep(m_defaults.setNumber(yKey, (center.y() - visible.y()) / visible.height()));
+  ignoreFailure(m_defaults.setInteger(displayKey, screen.displayID));
+  ignoreFailure(m_defaults.setNumber(xKey, (center.x() - visible.x()) / visible.width()));
+  ignoreFailure(m_defaults.setNumber(yKey, (center.y() - visible.y()) / visible.height()));
 }
 
 } // namespace notlet

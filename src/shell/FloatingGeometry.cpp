@@ -27,7 +27,7 @@ FloatingGeometry::FloatingGeometry(const Screens& screens) : FloatingGeometry(sc
 }
 
 FloatingGeometry::FloatingGeometry(std::vector<ScreenArea> screens, std::optional<ScreenArea> mainScreen)
-    : m_screens(std::move(screens)), m_mainScreen(std::move(mainScreen)) {
+    : m_screens(std::move(screens)), m_mainScreen(mainScreen) {
   if (m_screens.empty() && m_mainScreen)
     m_screens.push_back(*m_mainScreen);
 }

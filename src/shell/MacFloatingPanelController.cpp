@@ -64,7 +64,7 @@ void MacFloatingPanelController::returnToMainApp() {
 }
 
 void MacFloatingPanelController::dragBubble(const QPointF& movement, bool ended) {
-  if (m_state != State::bubble || !m_isOnScreen)
+  if (m_state != State::bubble)
     return;
   const FloatingGeometry screens = geometry();
   const QRectF moved = m_surroundings.panel.frame().translated(movement);
@@ -75,7 +75,7 @@ void MacFloatingPanelController::dragBubble(const QPointF& movement, bool ended)
 }
 
 void MacFloatingPanelController::captureDragEnded() {
-  if (m_state != State::expanded || !m_isOnScreen)
+  if (m_state != State::expanded)
     return;
   const FloatingGeometry screens = geometry();
   const QRectF moved = m_surroundings.panel.frame();

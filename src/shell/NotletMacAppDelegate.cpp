@@ -44,6 +44,7 @@ void NotletMacAppDelegate::applicationDidFinishLaunching(const LaunchRequest& re
 void NotletMacAppDelegate::listenToStatusItem() {
   const StatusItem* item = &m_surroundings.statusItem;
   connect(item, &StatusItem::clicked, this, &NotletMacAppDelegate::togglePopover);
+  connect(item, &StatusItem::shownChanged, this, &NotletMacAppDelegate::followStatusItem);
   connect(item, &StatusItem::quickNotletChosen, this,
           [this] { m_surroundings.notificationCenter.post(CommandName::openGlobalMacQuickNotlet); });
   connect(item, &StatusItem::openChosen, this, &NotletMacAppDelegate::applicationShouldHandleReopen);
@@ -186,6 +187,13 @@ void NotletMacAppDelegate::collapseFloatingCapture() {
 void NotletMacAppDelegate::revealMainAppForNavigation() {
   if (isFloatingMode())
     m_surroundings.floatingPanelController->returnToMainApp();
+}
+
+// A tray that goes away must not leave a program behind that nobody can reach.
+void NotletMacAppDelegate::followStatusItem() {
+  const ShellSurfaces& surfaces = m_surroundings.surfaces;
+  if (!WindowLife::keepsRunning(waysBack()) && !surfaces.isPopoverShown() && !surfaces.isMainWindowShown())
+    activateMainWindow();
 }
 
 bool NotletMacAppDelegate::isFloatingMode() const {

@@ -77,6 +77,7 @@ class NotletMacAppDelegate : public QObject {
   void enterFloatingMode();
   void openGlobalQuickNotlet();
   void collapseFloatingCapture();
+  void followStatusItem();
   void revealMainAppForNavigation();
 
   [[nodiscard]] bool isFloatingMode() const;

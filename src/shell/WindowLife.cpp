@@ -8,6 +8,11 @@ namespace {
 
 constexpr std::string_view explainedKey = "macKeepsRunningExplained";
 
+/// The worst that can come of it is that the user reads it twice.
+void ignoreFailure(const Result<void>& written) {
+  static_cast<void>(written);
+}
+
 std::vector<std::string> waysToCapture(const WaysBack& waysBack) {
   std::vector<std::string> ways;
   if (waysBack.hotKey)
@@ -40,8 +45,7 @@ bool WindowLife::mustExplain() const {
 }
 
 void WindowLife::noteExplained() {
-  // The worst that can come of a failure is that the user reads it twice.
-  static_cast<void>(m_defaults.setInteger(explainedKey, 1));
+  ignoreFailure(m_defaults.setInteger(explainedKey, 1));
 }
 
 std::string WindowLife::explanation(const WaysBack& waysBack) {

@@ -26,6 +26,7 @@ TEST(FloatingGeometryTest, FramesStandInTheScreenThatTheyWouldMostlyLieOn) {
       {"halves, other order", {onTheRight, laptop}, {1408, 500}, {1448, 500}},
       {"beside the laptop's upper edge", {laptop, onTheLeft}, {-30, 990}, {-72, 952}},
       {"mostly above", {laptop, above}, {700, 880}, {700, 908}},
+      {"mostly on the laptop's bar", {laptop, above}, {700, 866}, {700, 803}},
       {"below, on the panel", {laptop, below}, {205, -760}, {208, -720}},
       {"no screen at all", {}, {-10, 5000}, {-10, 5000}},
   };

@@ -118,6 +118,9 @@ TEST_F(MacFloatingPanelControllerTest, ADraggedBubbleStopsAtTheEdgesAndIsFoundTh
       {{0, 500}, {1352, 803}},
       {{-5000, -5000}, {8, 8}},
   };
+  drag({5, 5});
+  controller.captureDragEnded();
+  EXPECT_EQ(storedScreen(), std::nullopt) << "nothing is on show that could be dragged";
   for (const auto& [movement, expected] : cases) {
     defaults = MemoryDefaults();
     start(State::bubble);

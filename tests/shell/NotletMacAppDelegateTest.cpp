@@ -283,6 +283,20 @@ TEST_F(NotletMacAppDelegateTest, TheWaysBackAreThoseThatWorkNow) {
   EXPECT_EQ(delegate->waysBack(), (WaysBack{.statusItem = false, .bubble = true, .hotKey = false}));
 }
 
+TEST_F(NotletMacAppDelegateTest, ATrayThatGoesAwayLeavesNoProgramBehindThatNobodyCanReach) {
+  for (const bool hasHotKey : {true, false}) {
+    hotKey.refusal = hasHotKey ? std::nullopt : std::optional(GlobalHotKey::Failure::notInstalled);
+    launch();
+    surfaces.hideMainWindow();
+    for (const bool shown : {true, false}) {
+      statusItem.shown = shown;
+      Q_EMIT statusItem.shownChanged();
+      nextTurn();
+      EXPECT_EQ(surfaces.mainWindowShown, !shown && !hasHotKey);
+    }
+  }
+}
+
 TEST_F(NotletMacAppDelegateTest, NoOrderOfEventsShowsTheBubbleBesideTheOtherSurfaces) {
   std::mt19937 random(1123);
   const std::function<void()> events[] = {
