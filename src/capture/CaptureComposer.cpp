@@ -12,6 +12,18 @@ namespace {
 
 constexpr std::chrono::milliseconds confirmationTime{1200};
 constexpr std::size_t suggestionLimit = 8;
+constexpr std::string_view quickCaptureWidget = "NotletMacQuickCapture";
+
+struct FocusCommands {
+  std::vector<CommandName> take;
+  CommandName giveUp;
+};
+
+FocusCommands focusCommandsOf(CaptureComposer::Surface surface) {
+  if (surface == CaptureComposer::Surface::quickCapture)
+    return {{CommandName::focusMacCaptureInput}, CommandName::stopMacFloatingCapture};
+  return {{CommandName::showMacCapture, CommandName::focusMacNotletInput}, CommandName::enterMacFloatingMode};
+}
 
 } // namespace
 
@@ -19,17 +31,21 @@ bool CaptureComposer::State::canSave() const {
   return !trimmed(input).empty();
 }
 
-CaptureComposer::CaptureComposer(const Surroundings& surroundings, QObject* parent)
-    : QObject(parent), m_surroundings(surroundings) {
-  auto& center = m_surroundings.notificationCenter;
-  for (const CommandName name : {CommandName::showMacCapture, CommandName::focusMacNotletInput})
-    center.observe(name, this, [this](const CommandObject&) { setInputFocused(true); });
-  center.observe(CommandName::enterMacFloatingMode, this,
-                 [this](const CommandObject&) { setInputFocused(false); });
+CaptureComposer::CaptureComposer(const Surroundings& surroundings, Surface surface, QObject* parent)
+    : QObject(parent), m_surroundings(surroundings), m_surface(surface) {
+  observeCommands();
   // The used hashtags may have changed.
   connect(&m_surroundings.modelContext, &ModelContext::listChanged, this, &CaptureComposer::changed);
   connect(&m_surroundings.draftKeeper, &DraftKeeper::reported, this,
           [this](const std::string& reason) { update([&](State& state) { state.draftWarning = reason; }); });
+}
+
+void CaptureComposer::observeCommands() {
+  auto& center = m_surroundings.notificationCenter;
+  const FocusCommands commands = focusCommandsOf(m_surface);
+  for (const CommandName name : commands.take)
+    center.observe(name, this, [this](const CommandObject&) { setInputFocused(true); });
+  center.observe(commands.giveUp, this, [this](const CommandObject&) { setInputFocused(false); });
 }
 
 template<typename Change>
@@ -90,6 +106,8 @@ void CaptureComposer::save() {
     });
     return;
   }
+  if (m_surface == Surface::quickCapture && m_surroundings.widgetTimelines)
+    m_surroundings.widgetTimelines->reload(quickCaptureWidget);
   setInput({});
   confirm();
 }

@@ -9,6 +9,7 @@
 #include "platform/Clock.h"
 #include "platform/DraftKeeper.h"
 #include "platform/Scheduler.h"
+#include "platform/WidgetTimelines.h"
 #include "storage/ModelContext.h"
 
 namespace notlet {
@@ -35,6 +36,14 @@ class CaptureComposer : public QObject {
     bool operator==(const State&) const = default;
   };
 
+  /// Where the composer is shown, which decides whose commands it follows.
+  enum class Surface {
+    /// The main window's section.
+    mainWindow,
+    /// The popover or the floating panel.
+    quickCapture,
+  };
+
   /// What a composer lives on; all of it outlives the composer.
   struct Surroundings {
     ModelContext& modelContext;
@@ -42,9 +51,12 @@ class CaptureComposer : public QObject {
     Clock& clock;
     Scheduler& scheduler;
     DraftKeeper& draftKeeper;
+    /// Told of each notlet that a quick capture saved.
+    WidgetTimelines* widgetTimelines = nullptr;
   };
 
-  explicit CaptureComposer(const Surroundings& surroundings, QObject* parent = nullptr);
+  explicit CaptureComposer(const Surroundings& surroundings, Surface surface = Surface::mainWindow,
+                           QObject* parent = nullptr);
 
   [[nodiscard]] const State& state() const { return m_state; }
   /// Grows with each change of the input, so that a view need not compare megabytes to see one.
@@ -67,10 +79,12 @@ class CaptureComposer : public QObject {
  private:
   template<typename Change>
   void update(Change change);
+  void observeCommands();
   void restoreDraft();
   void confirm();
 
   Surroundings m_surroundings;
+  Surface m_surface;
   State m_state;
   std::uint64_t m_inputRevision = 0;
   bool m_draftIsRestored = false;

@@ -3,6 +3,7 @@
 #include <QSignalSpy>
 
 #include "capture/ComposerFixture.h"
+#include "support/FakeWidgetTimelines.h"
 
 namespace notlet {
 
@@ -101,21 +102,48 @@ TEST_F(CaptureComposerTest, AChosenTagCompletesTheTextAndTheEditorTakesTheFocusB
   EXPECT_TRUE(composer.state().inputFocused);
 }
 
-TEST_F(CaptureComposerTest, FollowsTheFocusCommandsOfTheMainWindowOnly) {
+TEST_F(CaptureComposerTest, EachSurfaceFollowsTheFocusCommandsOfItsOwnOnly) {
+  CaptureComposer quick({context, center, clock, scheduler, drafts}, CaptureComposer::Surface::quickCapture);
+  enum class Effect { none, takes, givesUp };
+  using enum Effect;
   const struct {
     CommandName command;
-    bool before;
-    bool after;
+    Effect inMainWindow;
+    Effect inQuickCapture;
   } cases[] = {
-      {CommandName::showMacCapture, false, true},        {CommandName::focusMacNotletInput, false, true},
-      {CommandName::enterMacFloatingMode, true, false},  {CommandName::focusMacCaptureInput, false, false},
-      {CommandName::stopMacFloatingCapture, true, true},
+      {CommandName::showMacCapture, takes, none},           {CommandName::focusMacNotletInput, takes, none},
+      {CommandName::enterMacFloatingMode, givesUp, none},   {CommandName::focusMacCaptureInput, none, takes},
+      {CommandName::stopMacFloatingCapture, none, givesUp},
   };
-  for (const auto& [command, before, after] : cases) {
-    composer.setInputFocused(before);
-    center.post(command);
-    EXPECT_EQ(composer.state().inputFocused, after) << text(command);
+  for (const auto& [command, inMainWindow, inQuickCapture] : cases) {
+    for (const bool before : {false, true}) {
+      const auto expected = [before](Effect effect) { return effect == none ? before : effect == takes; };
+      composer.setInputFocused(before);
+      quick.setInputFocused(before);
+      center.post(command);
+      EXPECT_EQ(composer.state().inputFocused, expected(inMainWindow)) << text(command);
+      EXPECT_EQ(quick.state().inputFocused, expected(inQuickCapture)) << text(command);
+    }
   }
+}
+
+TEST_F(CaptureComposerTest, TheDesktopWidgetsHearOfWhatAQuickCaptureSaved) {
+  FakeWidgetTimelines timelines;
+  CaptureComposer quick({context, center, clock, scheduler, drafts, &timelines},
+                        CaptureComposer::Surface::quickCapture);
+  CaptureComposer main({context, center, clock, scheduler, drafts, &timelines});
+  for (CaptureComposer* surface : {&quick, &main}) {
+    surface->setInput("  ");
+    surface->save();
+    breakStore();
+    surface->setInput("kept");
+    surface->save();
+    mendStore();
+    EXPECT_TRUE(timelines.reloaded.empty() || surface == &main);
+    surface->save();
+  }
+  EXPECT_EQ(timelines.reloaded, std::vector<std::string>{"NotletMacQuickCapture"});
+  EXPECT_EQ(context.size(), 2U);
 }
 
 TEST_F(CaptureComposerTest, RedrawsWhenTheStoredNotletsChange) {

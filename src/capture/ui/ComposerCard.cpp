@@ -1,10 +1,15 @@
 #include "capture/ui/ComposerCard.h"
 
 #include <QEvent>
+#include <QFocusEvent>
+#include <QHBoxLayout>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QTextDocument>
 #include <QVBoxLayout>
 
+#include "widgets/Alert.h"
+#include "widgets/TextConversion.h"
 #include "widgets/TextStyle.h"
 #include "widgets/ThemePalette.h"
 
@@ -16,7 +21,11 @@ constexpr int cornerRadius = 10;
 constexpr int innerMargin = 12;
 /// How far rows may reach beyond the text to both sides, for what has a padding of its own.
 constexpr int rowOverhang = 6;
+constexpr int narrowestHint = 200;
+constexpr int leastLines = 2;
 constexpr double legibleContrast = 3.0;
+
+const QString hintText = QStringLiteral("Return to save · Shift Return for new line");
 
 /// The editor has the focus most of the time, so its ring is as quiet as it can be and still be seen.
 QColor ringColor(const QPalette& palette) {
@@ -28,15 +37,34 @@ QColor ringColor(const QPalette& palette) {
 
 } // namespace
 
-ComposerCard::ComposerCard(QWidget* parent) : QWidget(parent), m_editor(new ExactTextEdit(this)) {
+ComposerCard::ComposerCard(CaptureComposer& composer, QAbstractButton* save, QWidget* parent)
+    : QWidget(parent),
+      m_composer(composer),
+      m_editor(new ExactTextEdit(this)),
+      m_suggestions(new MacHashtagSuggestionsView(
+          {}, [this](const std::string& tag) { m_composer.acceptSuggestion(tag); })),
+      m_hint(new QLabel(hintText)),
+      m_save(save) {
+  prepareEditor();
+  layOut();
+  connectHandlers();
+  render();
+}
+
+void ComposerCard::prepareEditor() {
+  m_editor->setAccessibleName(QStringLiteral("Notlet text"));
+  m_editor->setPlaceholderText(QStringLiteral("What’s on your mind?"));
   m_editor->setFrameShape(QFrame::NoFrame);
   m_editor->setFont(textFont(TextStyle::body));
   m_editor->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   m_editor->setTabChangesFocus(true);
   m_editor->document()->setDocumentMargin(2);
+  m_editor->setMinimumHeight(leastLines * m_editor->fontMetrics().lineSpacing() + 4);
   m_editor->viewport()->setAutoFillBackground(false); // The card shows through.
   m_editor->installEventFilter(this);
+}
 
+void ComposerCard::layOut() {
   auto* rows = new QVBoxLayout(this);
   rows->setContentsMargins(innerMargin - rowOverhang, innerMargin, innerMargin - rowOverhang, 8);
   rows->setSpacing(8);
@@ -44,16 +72,110 @@ ComposerCard::ComposerCard(QWidget* parent) : QWidget(parent), m_editor(new Exac
   inset->setContentsMargins(rowOverhang, 0, rowOverhang, 0);
   inset->addWidget(m_editor);
   rows->addLayout(inset, 1);
+  rows->addWidget(m_suggestions);
+  rows->addWidget(makeFooter());
 }
 
-void ComposerCard::addRow(QWidget* row) {
-  layout()->addWidget(row);
+QWidget* ComposerCard::makeFooter() {
+  m_hint->setFont(textFont(TextStyle::caption));
+  m_hint->setForegroundRole(ThemeRole::secondaryText);
+  m_hint->setWordWrap(true);
+  m_hint->setTextFormat(Qt::PlainText);
+  auto* footer = new QWidget;
+  auto* row = new QHBoxLayout(footer);
+  row->setContentsMargins(8, 0, 4, 0);
+  row->setSpacing(8);
+  row->addWidget(m_hint, 1);
+  row->addWidget(m_save);
+  return footer;
+}
+
+void ComposerCard::connectHandlers() {
+  connect(&m_composer, &CaptureComposer::changed, this, &ComposerCard::render);
+  connect(m_editor, &ExactTextEdit::textChanged, this, &ComposerCard::takeInput);
+  connect(m_editor, &ExactTextEdit::returnPressed, &m_composer, &CaptureComposer::save);
+  connect(m_save, &QAbstractButton::clicked, &m_composer, &CaptureComposer::save);
+  connect(m_suggestions, &MacHashtagSuggestionsView::dismissed, this,
+          [this] { m_composer.setInputFocused(true); });
+  // On the button, so that it is in force just as long as the button is.
+  m_save->setShortcut(QKeySequence(Qt::META | Qt::Key_Return));
+}
+
+void ComposerCard::takeInput() {
+  const QScopedValueRollback isTaking(m_isTakingInput, true);
+  m_composer.setInput(toUtf8(m_editor->exactText()));
+  m_shownRevision = m_composer.inputRevision();
+}
+
+void ComposerCard::render() {
+  renderInput();
+  m_save->setEnabled(m_composer.state().canSave());
+  const auto suggestions = m_composer.suggestions();
+  m_suggestions->setSuggestions(suggestions);
+  m_suggestions->setVisible(!suggestions.empty());
+  renderHint();
+  renderFocus();
+  renderSaveAlert();
+}
+
+void ComposerCard::renderInput() {
+  // What comes from the editor is there already.
+  if (m_isTakingInput || m_composer.inputRevision() == m_shownRevision)
+    return;
+  m_shownRevision = m_composer.inputRevision();
+  const QSignalBlocker blocker(m_editor);
+  m_editor->setExactText(fromUtf8(m_composer.state().input));
+}
+
+// A warning takes the place of the hint: whoever reads it knows how to save by now.
+void ComposerCard::renderHint() {
+  const auto& warning = m_composer.state().draftWarning;
+  const QString text = warning.empty() ? hintText : fromUtf8(warning);
+  m_hint->setText(breakable(text, m_hint->fontMetrics(), narrowestHint));
+}
+
+void ComposerCard::renderFocus() {
+  if (!isVisible() || m_composer.state().inputFocused == (window()->focusWidget() == m_editor))
+    return;
+  if (m_composer.state().inputFocused)
+    m_editor->setFocus(Qt::OtherFocusReason);
+  else
+    m_editor->clearFocus();
+}
+
+void ComposerCard::renderSaveAlert() {
+  const auto& state = m_composer.state();
+  if (!state.saveError || m_alertIsOpen)
+    return;
+  m_alertIsOpen = true;
+  auto* alert = Alert::message(this, QStringLiteral("Unable to save notlet"), fromUtf8(*state.saveError),
+                               fromUtf8(state.saveFailureReason));
+  connect(alert, &QDialog::finished, this, [this] {
+    m_alertIsOpen = false;
+    m_composer.dismissSaveError();
+  });
+  alert->open();
 }
 
 bool ComposerCard::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
+  const bool isFocusOut = event->type() == QEvent::FocusOut;
+  if (event->type() == QEvent::FocusIn)
+    m_composer.setInputFocused(true);
+  // Another window or a menu takes the keys for a while, but the editor gets them back by itself.
+  if (isFocusOut) {
+    const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+    if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason)
+      m_composer.setInputFocused(false);
+  }
+  if (event->type() == QEvent::FocusIn || isFocusOut)
     update();
   return QWidget::eventFilter(watched, event);
+}
+
+void ComposerCard::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  m_composer.appear();
+  renderFocus();
 }
 
 void ComposerCard::paintEvent(QPaintEvent*) {

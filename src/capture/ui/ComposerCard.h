@@ -1,31 +1,54 @@
 #pragma once
 
+#include <QAbstractButton>
+#include <QLabel>
 #include <QWidget>
 
+#include "capture/CaptureComposer.h"
 #include "widgets/ExactTextEdit.h"
+#include "widgets/MacHashtagSuggestionsView.h"
 
 namespace notlet {
 
-/// The raised field of a composer: an editor without a frame of its own, with room for rows below it. The
-/// card shows when the editor has the focus, and a click on its empty parts goes to the editor.
+/// The raised field in which a notlet is written, the same on every surface: editor, hashtag suggestions, and
+/// a footer with a hint and the save button. A failed save is told in an alert over its window.
+///
+/// The card shows when the editor has the focus, and a click on its empty parts goes to the editor.
 class ComposerCard : public QWidget {
   Q_OBJECT
 
  public:
-  explicit ComposerCard(QWidget* parent = nullptr);
-
-  [[nodiscard]] ExactTextEdit& editor() const { return *m_editor; }
-  /// Adds a row below the editor, keeping the rows' order.
-  void addRow(QWidget* row);
+  /// Takes the button as its child and gives it the shortcut for saving. The composer must outlive the card.
+  ComposerCard(CaptureComposer& composer, QAbstractButton* save, QWidget* parent = nullptr);
 
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
+  void showEvent(QShowEvent* event) override;
 
  private:
+  void prepareEditor();
+  void layOut();
+  [[nodiscard]] QWidget* makeFooter();
+  void connectHandlers();
+  void takeInput();
+  void render();
+  void renderInput();
+  void renderFocus();
+  void renderHint();
+  void renderSaveAlert();
+
+  CaptureComposer& m_composer;
   ExactTextEdit* m_editor;
+  MacHashtagSuggestionsView* m_suggestions;
+  QLabel* m_hint;
+  QAbstractButton* m_save;
+  /// The revision of the composer's input that the editor holds.
+  std::uint64_t m_shownRevision = 0;
+  bool m_isTakingInput = false;
+  bool m_alertIsOpen = false;
 };
 
 } // namespace notlet

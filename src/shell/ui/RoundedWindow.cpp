@@ -1,0 +1,134 @@
+#include "shell/ui/RoundedWindow.h"
+
+#include <QBitmap>
+#include <QCloseEvent>
+#include <QPainter>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "widgets/Motion.h"
+
+namespace notlet {
+
+namespace {
+
+/// How much wider than the shape the window is cut when smooth edges must not be.
+constexpr double roomForSmoothEdges = 4;
+
+/// The pixels of a window that lie in the shape for their better half.
+QBitmap maskOf(QSize window, const QRectF& shape, double radius) {
+  QImage coverage(window, QImage::Format_ARGB32_Premultiplied);
+  coverage.fill(Qt::transparent);
+  QPainter painter(&coverage);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(Qt::black);
+  painter.drawRoundedRect(shape, radius, radius);
+  painter.end();
+  return QBitmap::fromImage(coverage.createAlphaMask(Qt::ThresholdDither));
+}
+
+QRectF between(const QRectF& from, const QRectF& to, double progress) {
+  const auto mix = [progress](const QPointF& start, const QPointF& end) {
+    return start + (end - start) * progress;
+  };
+  return {mix(from.topLeft(), to.topLeft()), mix(from.bottomRight(), to.bottomRight())};
+}
+
+} // namespace
+
+RoundedWindow::RoundedWindow(AppSettings& settings, WindowSystem& windowSystem, QWidget* content,
+                             const Shape& shape, Qt::WindowFlags flags)
+    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                           Qt::NoDropShadowWindowHint | flags),
+      m_windowSystem(windowSystem),
+      m_container(new AppThemeContainer(settings, content)),
+      m_shape(shape) {
+  setAttribute(Qt::WA_TranslucentBackground);
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins({});
+  layout->addWidget(m_container);
+  // The window paints the ground in its own shape.
+  m_container->setAutoFillBackground(false);
+  m_container->installEventFilter(this);
+  connect(&m_windowSystem, &WindowSystem::compositorChanged, this, &RoundedWindow::applyShape);
+
+  m_opening.setStartValue(0.0);
+  m_opening.setEndValue(1.0);
+  m_opening.setEasingCurve(Motion::curve());
+  connect(&m_opening, &QVariantAnimation::valueChanged, this,
+          [this](const QVariant& progress) { applyOpening(progress.toDouble()); });
+  connect(&m_opening, &QVariantAnimation::finished, this, &RoundedWindow::applyShape);
+}
+
+void RoundedWindow::prepare() {
+  winId();
+  applyShape();
+  // Painted once unseen, so that fonts, symbols and layouts are ready.
+  [[maybe_unused]] const QPixmap picture = grab();
+}
+
+void RoundedWindow::openFrom(const QRect& place) {
+  const auto duration = Motion::duration(this);
+  m_openingStart = place.translated(-pos()).intersected(rect());
+  if (duration.count() == 0 || m_openingStart.isEmpty())
+    return;
+  applyOpening(0);
+  m_opening.setDuration(static_cast<int>(duration.count()));
+  m_opening.start();
+}
+
+void RoundedWindow::applyOpening(double progress) {
+  const QRectF opened = between(m_openingStart, rect(), progress);
+  const double radius = std::min({m_shape.radius, opened.width() / 2, opened.height() / 2});
+  setMask(maskOf(size(), opened, radius));
+}
+
+void RoundedWindow::applyShape() {
+  if (m_opening.state() == QAbstractAnimation::Running)
+    return;
+  const double inset = m_shape.inset;
+  if (m_windowSystem.hasCompositor())
+    setMask(maskOf(size(), rect(), std::max(0.0, m_shape.radius - roomForSmoothEdges)));
+  else
+    setMask(maskOf(size(), QRectF(rect()).adjusted(inset, inset, -inset, -inset), m_shape.radius));
+  update();
+}
+
+bool RoundedWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == m_container && event->type() == QEvent::PaletteChange)
+    update();
+  return QWidget::eventFilter(watched, event);
+}
+
+void RoundedWindow::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  applyShape();
+}
+
+void RoundedWindow::hideEvent(QHideEvent* event) {
+  m_opening.stop();
+  applyShape();
+  QWidget::hideEvent(event);
+}
+
+void RoundedWindow::closeEvent(QCloseEvent* event) {
+  event->accept();
+  Q_EMIT closedByDesktop();
+}
+
+void RoundedWindow::paintEvent(QPaintEvent*) {
+  constexpr double lineWidth = 1;
+  const QPalette& colors = m_container->palette();
+  QPainter painter(this);
+  if (!m_windowSystem.hasCompositor())
+    painter.fillRect(rect(), colors.color(m_shape.ground));
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(colors.color(ThemeRole::separator), lineWidth));
+  painter.setBrush(colors.color(m_shape.ground));
+  const double inset = m_shape.inset + lineWidth / 2;
+  const double radius = m_shape.radius - lineWidth / 2;
+  painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius, radius);
+}
+
+} // namespace notlet

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QVariantAnimation>
+#include <QWidget>
+
+#include "platform/WindowSystem.h"
+#include "themes/AppSettings.h"
+#include "widgets/AppThemeContainer.h"
+#include "widgets/ThemePalette.h"
+
+namespace notlet {
+
+/// A window without a frame, of a rounded shape, that stays above others and shows one content in the theme
+/// in force.
+///
+/// With a compositor the window is translucent and its edges are smooth; without one it is cut out of an
+/// opaque rectangle. It follows a compositor that comes or goes.
+class RoundedWindow : public QWidget {
+  Q_OBJECT
+
+ public:
+  /// Lengths in logical pixels.
+  struct Shape {
+    double radius = 28;
+    /// What stays free along each edge of the window.
+    double inset = 0;
+    QPalette::ColorRole ground = ThemeRole::background;
+  };
+
+  /// Takes the content as its child. The others must outlive the window.
+  RoundedWindow(AppSettings& settings, WindowSystem& windowSystem, QWidget* content, const Shape& shape,
+                Qt::WindowFlags flags = {});
+
+  /// Makes everything that the first showing needs, which then takes no longer than the others.
+  void prepare();
+  /// Opens the window's shape from the one that stood in this place on the screen to its own; the window
+  /// itself is there, and takes keys, from the start. Nothing moves when the desktop asks for no animation.
+  void openFrom(const QRect& place);
+
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ Q_SIGNALS:
+  /// The user closed the window by means of the desktop.
+  void closedByDesktop();
+
+ protected:
+  [[nodiscard]] WindowSystem& windowSystem() const { return m_windowSystem; }
+
+  void closeEvent(QCloseEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  void applyShape();
+  void applyOpening(double progress);
+
+  WindowSystem& m_windowSystem;
+  AppThemeContainer* m_container;
+  Shape m_shape;
+  QVariantAnimation m_opening;
+  /// In the window's coordinates.
+  QRect m_openingStart;
+};
+
+} // namespace notlet

@@ -1,0 +1,96 @@
+#include "shell/ui/RoundedWindow.h"
+
+#include <gtest/gtest.h>
+
+#include <QTest>
+
+#include "support/FakeWindowSystem.h"
+#include "support/MemoryDefaults.h"
+#include "themes/AppThemeCatalog.h"
+#include "widgets/Motion.h"
+
+namespace notlet {
+
+namespace {
+
+class RoundedWindowTest : public testing::Test {
+ protected:
+  RoundedWindowTest() {
+    window.setFixedSize(380, 260);
+    settings.setSelectedThemeID("dracula");
+  }
+  ~RoundedWindowTest() override { Motion::setReduced(false); }
+
+  [[nodiscard]] QImage picture() {
+    QImage image(window.size(), QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    window.render(&image, {}, {}, QWidget::DrawChildren);
+    return image;
+  }
+  /// Whether a window pixel is there for the desktop.
+  [[nodiscard]] bool isCutIn(int x, int y) const { return window.mask().contains(QPoint(x, y)); }
+
+  MemoryDefaults defaults;
+  AppSettings settings{defaults};
+  FakeWindowSystem windowSystem;
+  QWidget* content = new QWidget;
+  RoundedWindow window{settings, windowSystem, content, {}};
+};
+
+// On the diagonal a corner of this radius ends between the eighth and the ninth pixel.
+constexpr int outside = 7;
+constexpr int inside = 9;
+
+} // namespace
+
+TEST_F(RoundedWindowTest, WithoutACompositorItIsCutToItsShapeAndFilled) {
+  windowSystem.setCompositor(false);
+  window.show();
+  for (const auto& [x, y] : {std::pair(0, 0), {379, 0}, {0, 259}, {379, 259}, {outside, outside}})
+    EXPECT_FALSE(isCutIn(x, y)) << x << ' ' << y;
+  for (const auto& [x, y] : {std::pair(inside, inside), {379 - inside, 259 - inside}, {28, 0}, {0, 130}})
+    EXPECT_TRUE(isCutIn(x, y)) << x << ' ' << y;
+}
+
+TEST_F(RoundedWindowTest, ACompositorThatComesOrGoesChangesTheEdges) {
+  window.show();
+  const auto smoothEdge = [this] { return isCutIn(outside, outside); };
+  EXPECT_TRUE(smoothEdge());
+  windowSystem.setCompositor(false);
+  EXPECT_FALSE(smoothEdge());
+  windowSystem.setCompositor(true);
+  EXPECT_TRUE(smoothEdge());
+}
+
+TEST_F(RoundedWindowTest, PaintsTheThemesGroundInItsShapeOnly) {
+  window.show();
+  for (const char* id : {"dracula", "paper"}) {
+    settings.setSelectedThemeID(id);
+    const QImage image = picture();
+    const QColor ground = colorFromHex(AppThemeCatalog::themeWithID(id).backgroundHex);
+    EXPECT_EQ(image.pixelColor(190, 130), ground) << id;
+    EXPECT_NE(image.pixelColor(190, 0), ground) << "the line around it";
+    EXPECT_EQ(image.pixelColor(190, 1), ground) << id;
+  }
+}
+
+TEST_F(RoundedWindowTest, OpensFromAPlaceToItsWholeShape) {
+  window.move(100, 100);
+  window.show();
+  window.openFrom({100 + 316, 100 + 196, 64, 64});
+  EXPECT_FALSE(isCutIn(190, 130));
+  EXPECT_TRUE(isCutIn(316 + 32, 196 + 32));
+  EXPECT_TRUE(QTest::qWaitFor([this] { return isCutIn(190, 1) && isCutIn(1, 130); }));
+}
+
+TEST_F(RoundedWindowTest, OpensAtOnceWhenTheDesktopAsksForNoAnimationOrThePlaceIsElsewhere) {
+  window.move(100, 100);
+  window.show();
+  window.openFrom({2000, 2000, 64, 64});
+  EXPECT_TRUE(isCutIn(190, 130));
+  Motion::setReduced(true);
+  window.openFrom({100, 100, 64, 64});
+  EXPECT_TRUE(isCutIn(190, 130));
+}
+
+} // namespace notlet

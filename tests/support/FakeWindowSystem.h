@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QWidget>
+#include <vector>
+
+#include "platform/WindowSystem.h"
+
+namespace notlet {
+
+/// A window system whose compositor and mouse the test moves. Windows are activated as Qt does it.
+class FakeWindowSystem final : public WindowSystem {
+ public:
+  [[nodiscard]] bool hasCompositor() const override { return m_hasCompositor; }
+  void activate(WindowID window) override {
+    activated.push_back(window);
+    if (QWidget* widget = QWidget::find(window))
+      widget->activateWindow();
+  }
+  void putOnAllWorkspaces(WindowID window) override {
+    const QWidget* widget = QWidget::find(window);
+    onAllWorkspaces.push_back({window, widget && widget->isVisible()});
+  }
+  void watchMouse(bool watched) override { isMouseWatched = watched; }
+
+  void setCompositor(bool has) {
+    m_hasCompositor = has;
+    Q_EMIT compositorChanged();
+  }
+  void pressMouse(const QPoint& position) {
+    if (isMouseWatched)
+      Q_EMIT mousePressed(position);
+  }
+
+  struct Placed {
+    WindowID window;
+    bool wasVisible;
+  };
+
+  std::vector<WindowID> activated;
+  std::vector<Placed> onAllWorkspaces;
+  bool isMouseWatched = false;
+
+ private:
+  bool m_hasCompositor = true;
+};
+
+} // namespace notlet
