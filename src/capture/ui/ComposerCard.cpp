@@ -83,7 +83,7 @@ QWidget* ComposerCard::makeFooter() {
   m_hint->setTextFormat(Qt::PlainText);
   auto* footer = new QWidget;
   auto* row = new QHBoxLayout(footer);
-  row->setContentsMargins(8, 0, 4, 0);
+  row->setContentsMargins(8, 0, 2, 0);
   row->setSpacing(8);
   row->addWidget(m_hint, 1);
   row->addWidget(m_save);
@@ -157,7 +157,15 @@ void ComposerCard::renderSaveAlert() {
   alert->open();
 }
 
+// Suggestions and warnings make the editor smaller while the user is typing at its end.
+void ComposerCard::keepCaretInSight() {
+  if (m_editor->viewport()->rect().intersects(m_editor->cursorRect()))
+    QMetaObject::invokeMethod(m_editor, &QPlainTextEdit::ensureCursorVisible, Qt::QueuedConnection);
+}
+
 bool ComposerCard::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Resize)
+    keepCaretInSight();
   const bool isFocusOut = event->type() == QEvent::FocusOut;
   if (event->type() == QEvent::FocusIn)
     m_composer.setInputFocused(true);

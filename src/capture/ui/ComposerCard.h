@@ -39,6 +39,7 @@ class ComposerCard : public QWidget {
   void renderFocus();
   void renderHint();
   void renderSaveAlert();
+  void keepCaretInSight();
 
   CaptureComposer& m_composer;
   ExactTextEdit* m_editor;

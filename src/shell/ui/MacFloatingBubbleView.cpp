@@ -78,7 +78,7 @@ void MacFloatingBubbleView::paintEvent(QPaintEvent*) {
   prepare(painter);
   const QBrush touched = quietGround();
   painter.setBrush(touched == QBrush(Qt::NoBrush) ? palette().brush(ThemeRole::surface) : touched);
-  painter.setPen(QPen(palette().color(ThemeRole::separator), 1));
+  painter.setPen(QPen(palette().color(ThemeRole::outline), 1));
   constexpr double edge = inset + 0.5;
   painter.drawEllipse(QRectF(rect()).adjusted(edge, edge, -edge, -edge));
 

@@ -62,6 +62,8 @@ RoundedWindow::RoundedWindow(AppSettings& settings, WindowSystem& windowSystem, 
 }
 
 void RoundedWindow::prepare() {
+  ensurePolished();
+  adjustSize();
   winId();
   applyShape();
   // Painted once unseen, so that fonts, symbols and layouts are ready.
@@ -124,7 +126,7 @@ void RoundedWindow::paintEvent(QPaintEvent*) {
   if (!m_windowSystem.hasCompositor())
     painter.fillRect(rect(), colors.color(m_shape.ground));
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(QPen(colors.color(ThemeRole::separator), lineWidth));
+  painter.setPen(QPen(colors.color(ThemeRole::outline), lineWidth));
   painter.setBrush(colors.color(m_shape.ground));
   const double inset = m_shape.inset + lineWidth / 2;
   const double radius = m_shape.radius - lineWidth / 2;

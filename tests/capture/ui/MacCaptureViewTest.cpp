@@ -132,6 +132,17 @@ TEST_F(MacCaptureViewTest, EverythingFitsWhateverIsShown) {
   }
 }
 
+TEST_F(MacCaptureViewTest, TheCaretStaysInSightWhenTheStripTakesItsPlace) {
+  save("a #work");
+  type(QStringLiteral("a long text that is wrapped. ").repeated(12));
+  type(QStringLiteral("#wo"));
+  ASSERT_TRUE(view->findChild<MacHashtagSuggestionsView*>()->isVisible());
+  const auto isInSight = [this] { return editor->viewport()->rect().contains(editor->cursorRect()); };
+  EXPECT_TRUE(QTest::qWaitFor(isInSight));
+  QCoreApplication::sendPostedEvents();
+  EXPECT_TRUE(isInSight());
+}
+
 TEST_F(MacCaptureViewTest, TheKeyboardWalksFromTheTextThroughTheStripToTheButtons) {
   save("a #work");
   showInPanel();
