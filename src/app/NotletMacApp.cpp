@@ -119,4 +119,8 @@ void NotletMacApp::activateMainWindow() {
   m_mainWindow->activate();
 }
 
+void NotletMacApp::handle(const LaunchRequest& /*request*/) {
+  activateMainWindow();
+}
+
 } // namespace notlet

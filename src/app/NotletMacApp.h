@@ -12,6 +12,7 @@
 #include "platform/Clock.h"
 #include "platform/Defaults.h"
 #include "platform/DraftKeeper.h"
+#include "platform/LaunchRequest.h"
 #include "platform/Places.h"
 #include "platform/Scheduler.h"
 #include "platform/SteadyClock.h"
@@ -37,6 +38,8 @@ class NotletMacApp : public QObject {
 
   /// Brings the main window forward.
   void activateMainWindow();
+  /// Does what a start of the program asks for, this one's or a later one's.
+  void handle(const LaunchRequest& request);
 
  private:
   void makeRules(ModelContext& context);

@@ -1,46 +1,93 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <cstdio>
+#include <optional>
 
 #include "app/NotletMacApp.h"
+#include "platform/InstanceSocket.h"
+#include "platform/LaunchRequest.h"
 #include "platform/linux/SingleInstance.h"
 #include "platform/linux/TerminationSignals.h"
 #include "widgets/AppIcon.h"
 #include "widgets/NotletStyle.h"
+#include "widgets/TextConversion.h"
+
+namespace notlet {
+namespace {
+
+int report(const std::string& message, int status) {
+  std::fprintf(stderr, "notlet-desktop: %s\n", message.c_str());
+  return status;
+}
+
+/// What the command line asks for; nothing when the program is to start without showing a window.
+Result<std::optional<LaunchRequest>> requestFrom(QCommandLineParser& parser, const std::string& token) {
+  parser.setApplicationDescription(
+      QStringLiteral("Catches a short note in a second. `notlet` works from a terminal."));
+  parser.addHelpOption();
+  parser.addVersionOption();
+  const QCommandLineOption capture(QStringLiteral("capture"), QStringLiteral("Opens the quick capture."));
+  const QCommandLineOption background(
+      QStringLiteral("background"), QStringLiteral("Starts without a window, for autostart; leaves a Notlet "
+                                                   "that is running already alone."));
+  parser.addOptions({capture, background});
+  parser.addPositionalArgument(QStringLiteral("link"), QStringLiteral("A link that begins with “notlet:”."),
+                               QStringLiteral("[link...]"));
+  if (!parser.parse(QCoreApplication::arguments()))
+    return failure(toUtf8(parser.errorText()) + " “notlet-desktop --help” lists the options.");
+  parser.process(QCoreApplication::arguments()); // Prints help or version, when asked, and ends.
+
+  const QStringList links = parser.positionalArguments();
+  if (parser.isSet(capture) + parser.isSet(background) + !links.isEmpty() > 1)
+    return failure("Only one of “--capture”, “--background” and links can be asked for at a time.");
+  if (parser.isSet(background))
+    return std::nullopt;
+  LaunchRequest request{LaunchRequest::Kind::activate, {}, token};
+  if (parser.isSet(capture))
+    request.kind = LaunchRequest::Kind::capture;
+  for (const QString& link : links) {
+    request.kind = LaunchRequest::Kind::open;
+    request.urls.push_back(toUtf8(link));
+  }
+  return request;
+}
+
+} // namespace
+} // namespace notlet
 
 int main(int argc, char** argv) {
   using namespace notlet;
   // Before any thread starts, so that all of them leave these signals to the event loop.
   TerminationSignals::block();
+  // Qt takes some of it out of the environment; nothing of it is for the programs that this one starts.
+  const std::string token = activationTokenFromEnvironment();
   QApplication application(argc, argv);
+  qunsetenv("XDG_ACTIVATION_TOKEN");
+  qunsetenv("DESKTOP_STARTUP_ID");
   const TerminationSignals signals;
   QApplication::setApplicationName(QStringLiteral("Notlet"));
   QApplication::setApplicationVersion(QStringLiteral(NOTLET_VERSION));
-  QApplication::setDesktopFileName(QStringLiteral("notlet"));
+  QApplication::setDesktopFileName(QStringLiteral("org.notlet.Notlet"));
   QApplication::setQuitOnLastWindowClosed(false);
 
   QCommandLineParser parser;
-  parser.setApplicationDescription(
-      QStringLiteral("Catches a short note in a second. `notlet` works from a terminal."));
-  parser.addHelpOption();
-  parser.addVersionOption();
-  parser.process(application);
-
+  const auto request = requestFrom(parser, token);
+  if (!request)
+    return report(request.error().message, 2);
   const Places places = Places::fromEnvironment();
-  SingleInstance instance(places.runtime ? std::optional(*places.runtime / "notlet") : std::nullopt);
-  const auto role = instance.start();
-  if (!role) {
-    std::fprintf(stderr, "notlet-desktop: %s\n", role.error().message.c_str());
-    return 1;
-  }
+  SingleInstance instance(instanceDirectory(places));
+  const auto role = instance.start(*request);
+  if (!role)
+    return report(role.error().message, 1);
   if (*role == SingleInstance::Role::HandedOver)
     return 0;
 
   QApplication::setStyle(new NotletStyle); // The application takes it over.
   QApplication::setWindowIcon(appIcon(AppIconTone::white));
   NotletMacApp app(places);
-  QObject::connect(&instance, &SingleInstance::activationRequested, &app, &NotletMacApp::activateMainWindow);
+  QObject::connect(&instance, &SingleInstance::requested, &app, &NotletMacApp::handle);
   QObject::connect(&signals, &TerminationSignals::received, &application, &QCoreApplication::quit);
-  app.activateMainWindow();
+  if (*request)
+    app.handle(**request);
   return QApplication::exec();
 }

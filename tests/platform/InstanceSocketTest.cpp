@@ -1,0 +1,117 @@
+#include "platform/InstanceSocket.h"
+
+#include <gtest/gtest.h>
+#include <sys/syscall.h>
+
+#include <cstdlib>
+#include <fstream>
+
+#include "support/FakeInstance.h"
+#include "support/TemporaryDirectory.h"
+
+namespace notlet {
+
+namespace {
+
+using Kind = LaunchRequest::Kind;
+using namespace std::chrono_literals;
+
+class InstanceSocketTest : public testing::Test {
+ protected:
+  TemporaryDirectory directory;
+  std::filesystem::path socket = instanceSocket(directory.path());
+};
+
+} // namespace
+
+TEST_F(InstanceSocketTest, HandsRequestsOverWhole) {
+  const std::vector<LaunchRequest> requests{
+      {Kind::activate, {}, "token"},
+      {Kind::open, {std::string(3'000'000, 'x'), "notlet:second"}, ""},
+      {Kind::capture, {}, ""},
+  };
+  const FakeInstance instance(socket);
+  for (const LaunchRequest& request : requests)
+    EXPECT_EQ(handOver(request, socket), HandOver::accepted);
+  EXPECT_EQ(instance.requests(), requests);
+}
+
+// The reason must arrive although the other end hangs up in the middle of the message.
+TEST_F(InstanceSocketTest, TellsWhyARequestIsRefused) {
+  const FakeInstance instance(socket, "-Not today.", FakeInstance::Reads::nothing);
+  for (const std::size_t length : {std::size_t{10}, std::size_t{4'000'000}}) {
+    const auto refused = handOver({Kind::open, {std::string(length, 'x')}, ""}, socket);
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().message, "Not today.");
+  }
+}
+
+TEST_F(InstanceSocketTest, FindsNobodyWhereNobodyListens) {
+  EXPECT_EQ(handOver({}, socket), HandOver::nobodyThere);
+  {
+    const FakeInstance gone(socket);
+  }
+  EXPECT_TRUE(std::filesystem::exists(socket));
+  EXPECT_EQ(handOver({}, socket), HandOver::nobodyThere);
+  std::ofstream(directory.path() / "file") << "no socket";
+  EXPECT_EQ(handOver({}, directory.path() / "file"), HandOver::nobodyThere);
+  EXPECT_EQ(handOver({}, directory.path() / "absent" / "socket"), HandOver::nobodyThere);
+  EXPECT_EQ(handOver({}, directory.path() / std::string(200, 'x')), HandOver::nobodyThere);
+}
+
+// One that is just ending has not taken the request: the next one has to.
+TEST_F(InstanceSocketTest, AnInstanceThatEndsWithoutAnAnswerIsNobody) {
+  const FakeInstance ending(socket, "");
+  EXPECT_EQ(handOver({}, socket), HandOver::nobodyThere);
+}
+
+TEST_F(InstanceSocketTest, DoesNotWaitForever) {
+  const FakeInstance stuck(socket, std::nullopt, FakeInstance::Reads::nothing);
+  for (const std::size_t length : {std::size_t{10}, std::size_t{4'000'000}}) {
+    const auto silent = handOver({Kind::open, {std::string(length, 'x')}, ""}, socket, 50ms);
+    ASSERT_FALSE(silent);
+    EXPECT_EQ(silent.error().message, "Notlet is running but does not answer.");
+  }
+}
+
+TEST_F(InstanceSocketTest, TellsNothingToAnotherUsersProgram) {
+  if (geteuid() != 0)
+    GTEST_SKIP() << "Only root can be two users.";
+  const FakeInstance instance(socket);
+  std::filesystem::permissions(directory.path(), std::filesystem::perms::all);
+  std::filesystem::permissions(socket, std::filesystem::perms::all);
+  Result<HandOver> result = HandOver::accepted;
+  // The bare call changes this one thread, not the process.
+  std::thread([&] {
+    ASSERT_EQ(syscall(SYS_setresuid, -1, 65534, -1), 0);
+    result = handOver({Kind::open, {"notlet:secret"}, ""}, socket);
+  }).join();
+  ASSERT_FALSE(result);
+  EXPECT_NE(result.error().message.find("another user"), std::string::npos);
+  EXPECT_TRUE(instance.requests().empty());
+}
+
+TEST(ActivationTokenTest, PrefersTheNewerVariable) {
+  struct Case {
+    const char* newer;
+    const char* older;
+    const char* expected;
+  };
+  for (const Case& each : {Case{"a", "b", "a"},
+                           {"", "b", "b"},
+                           {nullptr, "b", "b"},
+                           {"a", nullptr, "a"},
+                           {nullptr, nullptr, ""},
+                           {"", "", ""}}) {
+    for (const auto& [name, value] :
+         {std::pair{"XDG_ACTIVATION_TOKEN", each.newer}, std::pair{"DESKTOP_STARTUP_ID", each.older}}) {
+      if (value != nullptr)
+        setenv(name, value, 1);
+      else
+        unsetenv(name);
+    }
+    EXPECT_EQ(activationTokenFromEnvironment(), each.expected);
+  }
+}
+
+} // namespace notlet
