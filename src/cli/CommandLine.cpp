@@ -22,7 +22,9 @@ struct VerbRule {
   std::string_view synopsis;
 };
 
-constexpr std::array<VerbRule, 12> rules{{
+constexpr std::array<VerbRule, 14> rules{{
+    {"capture", Verb::Capture, 0, 0, 0, "capture"},
+    {"open", Verb::Open, 1, anyNumber, 0, "open URL..."},
     {"add", Verb::Add, 0, anyNumber, Tag | Json, "add [--tag TAG]... [--json] [TEXT... | -]"},
     {"list", Verb::List, 0, 0, Tag | Limit | Json, "list [--tag TAG]... [--limit N] [--json]"},
     {"search", Verb::Search, 1, anyNumber, Tag | Limit | Json,
@@ -40,10 +42,12 @@ constexpr std::array<VerbRule, 12> rules{{
 }};
 
 constexpr std::string_view helpText =
-    R"(Notlet keeps short notes. Without arguments the window opens.
+    R"(Notlet keeps short notes. Without arguments the window opens or comes forward.
 
 usage: notlet VERB [OPTION...] [ARGUMENT...]
 
+  capture               open the quick capture, whatever else is on screen
+  open URL...           open links that begin with "notlet:"
   add [TEXT... | -]     store a note and print its id; without TEXT, or with "-", read standard input
   list                  list the notes, newest first
   search QUERY...       list the notes that hold every word and carry every #hashtag of the query

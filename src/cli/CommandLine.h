@@ -11,7 +11,23 @@
 
 namespace notlet {
 
-enum class Verb { Start, Add, List, Search, Show, Edit, Delete, Tags, Export, Import, Path, Help, Version };
+enum class Verb {
+  Start,
+  Capture,
+  Open,
+  Add,
+  List,
+  Search,
+  Show,
+  Edit,
+  Delete,
+  Tags,
+  Export,
+  Import,
+  Path,
+  Help,
+  Version
+};
 
 enum class ExportFormat { Json, Markdown };
 

@@ -288,6 +288,8 @@ CommandResult<void> runCommand(const CommandLine& line, Output& output) {
     output.writeLine("notlet " NOTLET_VERSION);
     return {};
   case Verb::Start:
+  case Verb::Capture:
+  case Verb::Open:
   case Verb::Help:
     break;
   }

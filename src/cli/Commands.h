@@ -6,7 +6,8 @@
 
 namespace notlet {
 
-/// Does what the command line asks for, except for starting the window. The output still has to be flushed.
+/// Does what the command line asks for, except for what concerns the window. The output still has to be
+/// flushed.
 [[nodiscard]] CommandResult<void> runCommand(const CommandLine& line, Output& output);
 
 } // namespace notlet

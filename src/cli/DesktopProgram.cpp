@@ -7,13 +7,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <string>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 namespace notlet {
 namespace {
@@ -23,7 +24,8 @@ constexpr const char* programName = "notlet-desktop";
 /// In a session of its own, without this terminal, and with the signals as they usually are.
 class DetachedSpawn {
  public:
-  DetachedSpawn() {
+  /// The arguments begin with the program's name.
+  explicit DetachedSpawn(std::vector<std::string> arguments) : m_arguments(std::move(arguments)) {
     sigset_t signals;
     ::sigemptyset(&signals);
     ::sigaddset(&signals, SIGPIPE);
@@ -43,13 +45,16 @@ class DetachedSpawn {
   }
 
   /// A name without "/" is looked for in PATH. Gives an error number.
-  [[nodiscard]] int start(const char* program, pid_t& process) const {
-    std::string name = programName;
-    const std::array<char*, 2> arguments{name.data(), nullptr};
+  [[nodiscard]] int start(const char* program, pid_t& process) {
+    std::vector<char*> arguments;
+    for (std::string& argument : m_arguments)
+      arguments.push_back(argument.data());
+    arguments.push_back(nullptr);
     return ::posix_spawnp(&process, program, &m_files, &m_attributes, arguments.data(), environ);
   }
 
  private:
+  std::vector<std::string> m_arguments;
   posix_spawnattr_t m_attributes{};
   posix_spawn_file_actions_t m_files{};
 };
@@ -72,12 +77,20 @@ CommandResult<void> watchStart(pid_t process) {
                         " in this terminal to see why.");
 }
 
+std::vector<std::string> argumentsFor(const LaunchRequest& request) {
+  std::vector<std::string> arguments{programName};
+  if (request.kind == LaunchRequest::Kind::capture)
+    arguments.emplace_back("--capture");
+  arguments.insert(arguments.end(), request.urls.begin(), request.urls.end());
+  return arguments;
+}
+
 } // namespace
 
-CommandResult<void> startDesktopProgram() {
+CommandResult<void> startDesktopProgram(const LaunchRequest& request) {
   std::error_code ignored; // Without a known place of our own only PATH is left.
   const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", ignored);
-  const DetachedSpawn spawn;
+  DetachedSpawn spawn(argumentsFor(request));
   pid_t process = 0;
   int reason = ENOENT;
   if (!self.empty())

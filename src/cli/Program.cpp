@@ -11,7 +11,7 @@
 
 #include "cli/CommandLine.h"
 #include "cli/Commands.h"
-#include "cli/DesktopProgram.h"
+#include "cli/Launch.h"
 #include "cli/Output.h"
 
 namespace notlet {
@@ -43,8 +43,8 @@ CommandResult<void> run(std::span<const std::string_view> arguments) {
   const CommandResult<CommandLine> line = CommandLine::parse(arguments);
   if (!line)
     return std::unexpected(line.error());
-  if (line->verb == Verb::Start)
-    return startDesktopProgram();
+  if (line->verb == Verb::Start || line->verb == Verb::Capture || line->verb == Verb::Open)
+    return launch(*line);
   Output output(STDOUT_FILENO);
   const CommandResult<void> done = runCommand(*line, output);
   // What was found before a failure is of use too, but the failure is what matters.

@@ -1,0 +1,132 @@
+"""How starts reach the running program: a second start, the command line, links, and what is none of these."""
+import fcntl
+import os
+import random
+import socket
+import subprocess
+import time
+
+from journey import PROGRAMS, Journey, main
+from virtual_desktop import await_value
+
+
+class LaunchJourney(Journey):
+    def tearDown(self):
+        # The command line starts a program that is nobody's child.
+        if self.running():
+            self.desktop.keys("ctrl+q")
+            await_value(lambda: not self.running(), "the program to end")
+        super().tearDown()
+
+    def place(self, name):
+        return os.path.join(self.desktop.environment["XDG_RUNTIME_DIR"], "notlet", name)
+
+    def running(self):
+        if not os.path.exists(self.place("notlet.lock")):
+            return False
+        with open(self.place("notlet.lock"), "rb") as lock:
+            try:
+                fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+            except BlockingIOError:
+                return True
+        return False
+
+    def desktop_program(self, *arguments, **environment):
+        done = subprocess.run([os.path.join(PROGRAMS, "notlet-desktop"), *arguments], check=False, timeout=10,
+                              env={**self.desktop.environment, **environment}, capture_output=True, text=True)
+        return done.returncode, done.stderr
+
+    def await_window(self):
+        await_value(lambda: self.desktop.active_window_name() == "Notlet", "the window")
+
+    def cover(self):
+        """Puts another window in front, and gives it."""
+        other = self.desktop.start(["xmessage", "-center", "in front"])
+        await_value(lambda: self.desktop.active_window_name() == "xmessage", "the other window")
+        return other
+
+    def connect(self):
+        peer = socket.socket(socket.AF_UNIX)
+        peer.settimeout(15)
+        peer.connect(self.place("notlet.socket"))
+        return peer
+
+    def test_every_way_to_start_reaches_the_running_program(self):
+        self.open()
+        for start in (lambda: self.assertEqual(self.desktop_program(), (0, "")),
+                      lambda: self.assertEqual(self.desktop_program("notlet:x"), (0, "")),
+                      lambda: self.assertEqual(self.desktop_program("--capture"), (0, "")),
+                      lambda: self.desktop.notlet(),
+                      lambda: self.desktop.notlet("open", "notlet:anything/at?all")):
+            other = self.cover()
+            start()
+            self.await_window()
+            self.desktop.end(other)
+        self.assertEqual(len(self.desktop.windows("^Notlet$")), 1)
+        self.desktop.type("still here")
+        self.await_text("still here")
+
+    def test_the_command_line_starts_the_program(self):
+        for words in ((), ("capture",), ("open", "notlet:x")):
+            self.assertFalse(self.running())
+            self.desktop.notlet(*words)
+            self.await_window()
+            self.desktop.type("typed at once")
+            self.await_text("typed at once")
+            self.desktop.keys("Return")
+            self.await_text("")
+            self.desktop.keys("ctrl+q")
+            await_value(lambda: not self.running(), "the program to end")
+        self.await_stored(*["typed at once"] * 3)
+
+    def test_in_the_background_it_waits_for_the_next_start(self):
+        self.program = self.desktop.start([os.path.join(PROGRAMS, "notlet-desktop"), "--background"])
+        await_value(self.running, "the program")
+        # It answers only when it is up; only then does the absence of a window mean something.
+        with self.connect() as peer:
+            peer.sendall(b"?")
+            self.assertTrue(peer.recv(1000).startswith(b"-"))
+        self.assertEqual(self.desktop_program("--background"), (0, ""))
+        self.assertEqual(self.desktop.windows("^Notlet$"), [])
+        self.desktop.notlet()
+        self.await_window()
+
+    def test_a_wrong_option_is_named(self):
+        for arguments, complaint in ((("--nonsense",), "nonsense"), (("--capture=x",), "capture"),
+                                     (("--capture", "--background"), "Only one"),
+                                     (("--capture", "notlet:x"), "Only one"),
+                                     (("--background", "notlet:x"), "Only one")):
+            status, message = self.desktop_program(*arguments)
+            self.assertEqual(status, 2)
+            self.assertRegex(message, f"^notlet-desktop: .*{complaint}.*\n$")
+        self.assertFalse(self.running())
+
+    def test_hostile_bytes_leave_the_draft_alone(self):
+        self.open()
+        self.desktop.type("precious")
+        self.await_text("precious")
+        dice = random.Random(4)
+        silent = [self.connect() for _ in range(100)]
+        for bytes_ in (b"", b"\0" * 100, dice.randbytes(1000), b"NLT1" + b"\xff" * 5_000_000,
+                       b"NLT1\0\0\0\x0aactivate\0\0" * 2, dice.randbytes(5_000_000)):
+            with self.connect() as peer:
+                try:
+                    peer.sendall(bytes_)
+                except OSError:
+                    pass  # Hung up on in the middle, as is right.
+        begun = time.monotonic()
+        self.desktop.notlet("capture")
+        self.assertLess(time.monotonic() - begun, 2)
+        for peer in silent:
+            peer.close()
+        self.desktop.type(" draft")
+        self.await_text("precious draft")
+
+    def test_the_window_belongs_to_the_desktop_entry(self):
+        self.open()
+        window = self.desktop.windows("^Notlet$")[0]
+        self.assertIn('"Notlet"', self.desktop.output("xprop", "-id", str(window), "WM_CLASS"))
+
+
+if __name__ == "__main__":
+    main()
