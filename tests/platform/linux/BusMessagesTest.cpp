@@ -1,0 +1,80 @@
+#include <gmock/gmock.h>
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QTest>
+
+#include "platform/linux/BusNotifications.h"
+#include "platform/linux/BusWidgetTimelines.h"
+#include "support/PrivateBus.h"
+
+namespace notlet {
+
+namespace {
+
+/// Takes what the program sends.
+class Listener final : public QDBusVirtualObject {
+  Q_OBJECT
+
+ public:
+  [[nodiscard]] QString introspect(const QString&) const override { return {}; }
+
+  bool handleMessage(const QDBusMessage& call, const QDBusConnection&) override {
+    messages.append(call);
+    return true;
+  }
+
+  QList<QDBusMessage> messages;
+
+ public Q_SLOTS:
+  void take(const QDBusMessage& signal) { messages.append(signal); }
+};
+
+const QString notifications = QStringLiteral("org.freedesktop.Notifications");
+
+} // namespace
+
+TEST(BusWidgetTimelinesTest, TellsTheKindAndNothingElse) {
+  PrivateBus bus;
+  QDBusConnection widget = bus.connect();
+  Listener listener;
+  ASSERT_TRUE(widget.connect({}, QStringLiteral("/org/notlet/Notlet"), QStringLiteral("org.notlet.Notlet1"),
+                             QStringLiteral("ReloadTimelines"), &listener, SLOT(take(QDBusMessage))));
+  widget.interface()->registeredServiceNames(); // The bus has heard of the interest once it answers.
+  BusWidgetTimelines timelines(bus.source());
+  timelines.reload("NotletMacQuickCapture");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !listener.messages.isEmpty(); }));
+  EXPECT_EQ(listener.messages.at(0).arguments(), QVariantList{QStringLiteral("NotletMacQuickCapture")});
+  bus.die();
+  timelines.reload("NotletMacQuickCapture");
+}
+
+TEST(BusNotificationsTest, ShowsWhatTheServiceMustNotTakeForMarkup) {
+  PrivateBus bus;
+  QDBusConnection desktop = bus.connect();
+  Listener service;
+  desktop.registerVirtualObject(QStringLiteral("/org/freedesktop/Notifications"), &service);
+  ASSERT_TRUE(desktop.registerService(notifications));
+  EXPECT_TRUE(
+      BusNotifications(bus.source()).show(QStringLiteral("Notlet <&"), QStringLiteral("a <b> & “c”")));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !service.messages.isEmpty(); }));
+  EXPECT_EQ(service.messages.at(0).signature(), QStringLiteral("susssasa{sv}i"));
+  EXPECT_EQ(service.messages.at(0).arguments().mid(3, 2),
+            (QVariantList{QStringLiteral("Notlet <&"), QStringLiteral("a &lt;b&gt; &amp; “c”")}));
+}
+
+TEST(BusNotificationsTest, SaysWhenNobodyWouldShowThem) {
+  PrivateBus bus;
+  PrivateBus busThatStarts({notifications.toStdString()});
+  const BusSource source = bus.source();
+  const BusSource sourceThatStarts = busThatStarts.source();
+  EXPECT_FALSE(BusNotifications(source).show(QStringLiteral("a"), QStringLiteral("b")));
+  EXPECT_TRUE(BusNotifications(sourceThatStarts).show(QStringLiteral("a"), QStringLiteral("b")));
+  busThatStarts.die();
+  EXPECT_FALSE(BusNotifications(sourceThatStarts).show(QStringLiteral("a"), QStringLiteral("b")));
+}
+
+} // namespace notlet
+
+#include "BusMessagesTest.moc"
