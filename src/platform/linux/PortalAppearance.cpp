@@ -1,0 +1,115 @@
+#include "platform/linux/PortalAppearance.h"
+
+#include <QDBusArgument>
+#include <QDBusPendingCallWatcher>
+#include <QDBusServiceWatcher>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QPalette>
+
+#include "platform/linux/PortalDesktop.h"
+
+namespace notlet {
+
+namespace {
+
+const QString settingsInterface = QStringLiteral("org.freedesktop.portal.Settings");
+
+const QString appearance = QStringLiteral("org.freedesktop.appearance");
+const QString gnomeInterface = QStringLiteral("org.gnome.desktop.interface");
+const QString plasmaGlobals = QStringLiteral("org.kde.kdeglobals.KDE");
+
+using Settings = QMap<QString, QVariantMap>;
+
+bool paletteIsDark() {
+  const QPalette palette = QGuiApplication::palette();
+  return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
+}
+
+bool isDark(const Settings& settings) {
+  enum : uint { noPreference, dark, light };
+  switch (settings.value(appearance).value(QStringLiteral("color-scheme")).toUInt()) {
+  case dark:
+    return true;
+  case light:
+    return false;
+  default:
+    return paletteIsDark();
+  }
+}
+
+/// Desktops say it in ways of their own; the common one is recent.
+bool reducesMotion(const Settings& settings) {
+  const QVariant common = settings.value(appearance).value(QStringLiteral("reduced-motion"));
+  const QVariant gnome = settings.value(gnomeInterface).value(QStringLiteral("enable-animations"));
+  // Text, such as "0.5"; 0 is how the user turns animations off.
+  const QVariant plasma = settings.value(plasmaGlobals).value(QStringLiteral("AnimationDurationFactor"));
+  bool isNumber = false;
+  const bool plasmaReduces = plasma.toDouble(&isNumber) <= 0 && isNumber;
+  return common.toUInt() == 1 || (gnome.isValid() && !gnome.toBool()) || plasmaReduces;
+}
+
+} // namespace
+
+PortalAppearance::PortalAppearance(BusSource bus, QObject* parent)
+    : m_bus(std::move(bus)), m_isDark(paletteIsDark()) {
+  setParent(parent);
+  qGuiApp->installEventFilter(this);
+}
+
+PortalAppearance::~PortalAppearance() = default;
+
+void PortalAppearance::start() {
+  QDBusConnection bus = m_bus();
+  if (m_portalWatcher || !bus.isConnected())
+    return;
+  m_portalWatcher = std::make_unique<QDBusServiceWatcher>(PortalDesktop::service, bus,
+                                                          QDBusServiceWatcher::WatchForRegistration);
+  connect(m_portalWatcher.get(), &QDBusServiceWatcher::serviceRegistered, this, &PortalAppearance::read);
+  // No service is named: Qt would ask the bus for its owner and wait for the answer.
+  bus.connect({}, PortalDesktop::path, settingsInterface, QStringLiteral("SettingChanged"), this,
+              SLOT(changeSetting(QString, QString, QDBusVariant)));
+  read();
+}
+
+void PortalAppearance::read() {
+  const QDBusConnection bus = m_bus();
+  PortalDesktop::introduce(bus);
+  const QDBusMessage call = PortalDesktop::call(settingsInterface, QStringLiteral("ReadAll"))
+                            << QStringList{appearance, gnomeInterface, plasmaGlobals};
+  auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
+  connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+    watcher->deleteLater();
+    take(*watcher);
+  });
+}
+
+void PortalAppearance::take(const QDBusPendingCallWatcher& reply) {
+  const QDBusMessage message = reply.reply();
+  if (message.type() != QDBusMessage::ReplyMessage || message.signature() != QLatin1String("a{sa{sv}}"))
+    return;
+  m_settings = qdbus_cast<Settings>(message.arguments().at(0));
+  update();
+}
+
+void PortalAppearance::changeSetting(const QString& group, const QString& key, const QDBusVariant& value) {
+  if (group != appearance && group != gnomeInterface && group != plasmaGlobals)
+    return;
+  m_settings[group][key] = value.variant();
+  update();
+}
+
+void PortalAppearance::update() {
+  if (std::exchange(m_isDark, notlet::isDark(m_settings)) != m_isDark)
+    Q_EMIT changed();
+  if (std::exchange(m_reducesMotion, notlet::reducesMotion(m_settings)) != m_reducesMotion)
+    Q_EMIT reducesMotionChanged();
+}
+
+bool PortalAppearance::eventFilter(QObject* receiver, QEvent* event) {
+  if (event->type() == QEvent::ApplicationPaletteChange && receiver == qGuiApp)
+    update();
+  return Appearance::eventFilter(receiver, event);
+}
+
+} // namespace notlet

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QDBusObjectPath>
+#include <QVariantMap>
+#include <memory>
+
+#include "platform/GlobalHotKey.h"
+#include "platform/linux/BusSource.h"
+
+class QDBusServiceWatcher;
+
+namespace notlet {
+
+class PortalRequest;
+
+/// The hot key through the desktop's GlobalShortcuts portal, where programs cannot watch the keyboard
+/// themselves. The desktop may ask the user, and may give another combination than the one preferred; it does
+/// not tell why it refuses. When the portal is restarted the key is asked for again.
+class PortalHotKey final : public GlobalHotKey {
+  Q_OBJECT
+
+ public:
+  explicit PortalHotKey(BusSource bus = sessionBus, QObject* parent = nullptr);
+  ~PortalHotKey() override;
+
+  void install() override;
+  void uninstall() override;
+  /// Whether the portal has agreed.
+  [[nodiscard]] bool isInstalled() const { return m_isInstalled; }
+
+ Q_SIGNALS:
+  void installed();
+
+ private Q_SLOTS:
+  void activate(const QDBusObjectPath& session, const QString& shortcut, qulonglong time,
+                const QVariantMap& options);
+  void sessionClosed();
+
+ private:
+  void portalChanged(const QString& oldOwner, const QString& newOwner);
+  void listen(QDBusConnection& bus);
+  void stopListening(QDBusConnection& bus);
+  void createSession();
+  void bind(const QString& session);
+  void forget();
+  void dropRequest();
+  void fail();
+
+  BusSource m_bus;
+  std::unique_ptr<QDBusServiceWatcher> m_watcher;
+  std::unique_ptr<PortalRequest> m_request;
+  /// The session's path, known in advance.
+  QString m_session;
+  bool m_isInstalled = false;
+};
+
+} // namespace notlet
