@@ -29,6 +29,8 @@ class MainNavigation : public QObject {
 
   [[nodiscard]] const State& state() const { return m_state; }
 
+  /// The window has come into view, after another of the program's windows may have stood in for it.
+  void appear() { publishFlag(); }
   void select(std::optional<MacSection> section);
   void switchToBubbleMode();
 

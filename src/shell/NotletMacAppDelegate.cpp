@@ -152,7 +152,7 @@ void NotletMacAppDelegate::togglePopover() {
   } else if (surfaces.isPopoverShown()) {
     surfaces.closePopover();
   } else if (!closedForThisClick()) {
-    surfaces.showPopover();
+    surfaces.showPopover(true);
   }
 }
 
@@ -173,7 +173,7 @@ void NotletMacAppDelegate::openGlobalQuickNotlet() {
   } else if (surfaces.isPopoverShown()) {
     surfaces.activatePopover();
   } else {
-    surfaces.showPopover();
+    surfaces.showPopover(false);
   }
   // Only then is the composer on screen.
   postNextTurn(CommandName::focusMacCaptureInput);

@@ -84,13 +84,18 @@ std::optional<CommandName> MacShortcutCoordinator::commandAfterLeader(const Key&
   return std::nullopt;
 }
 
+/// A key typed into the popover must not save, delete or walk what stands in the main window behind it.
+bool MacShortcutCoordinator::showsInArchive(bool flag) const {
+  return flag && m_surroundings.focusedControl.isInMainWindow();
+}
+
 bool MacShortcutCoordinator::leaveCapture(const Key& key) {
   return floatingCaptureExpanded && key.name == "escape" &&
          consumeAndDisarm(CommandName::collapseMacFloatingCapture);
 }
 
 bool MacShortcutCoordinator::endEditing(const Key& key) {
-  if (!archiveEditingActive)
+  if (!showsInArchive(archiveEditingActive))
     return false;
   if (key.name == "escape")
     return consumeAndDisarm(CommandName::cancelEditingMacNotlet);
@@ -100,7 +105,7 @@ bool MacShortcutCoordinator::endEditing(const Key& key) {
 bool MacShortcutCoordinator::leaveTextInput(const Key& key) {
   if (key.name != "escape")
     return false;
-  if (archiveActive && archiveSearchFieldActive)
+  if (showsInArchive(archiveActive && archiveSearchFieldActive))
     return consumeAndDisarm(CommandName::clearMacHashtagSearch);
   if (!m_surroundings.focusedControl.isTextInputFocused())
     return false;
@@ -110,7 +115,7 @@ bool MacShortcutCoordinator::leaveTextInput(const Key& key) {
 }
 
 bool MacShortcutCoordinator::moveFromSearchField(const Key& key) {
-  if (!archiveActive || !archiveSearchFieldActive)
+  if (!showsInArchive(archiveActive && archiveSearchFieldActive))
     return false;
   return (key.isPlain("down") && consume(CommandName::selectNextMacNotlet)) ||
          (key.isPlain("up") && consume(CommandName::selectPreviousMacNotlet));
@@ -136,7 +141,7 @@ bool MacShortcutCoordinator::startSearch(const Key& key) {
 }
 
 bool MacShortcutCoordinator::useArchive(const Key& key) {
-  if (!archiveActive || key.modifiers != 0 || m_surroundings.focusedControl.isTextInputFocused())
+  if (!showsInArchive(archiveActive) || key.modifiers != 0 || m_surroundings.focusedControl.isTextInputFocused())
     return false;
   if (archiveHashtagNavigationActive && useHashtags(key))
     return true;

@@ -68,6 +68,7 @@ class MacShortcutCoordinator {
   [[nodiscard]] bool isArmed() const;
   [[nodiscard]] std::optional<CommandName> commandAfterLeader(const Key& key) const;
 
+  [[nodiscard]] bool showsInArchive(bool flag) const;
   bool leaveCapture(const Key& key);
   bool endEditing(const Key& key);
   bool leaveTextInput(const Key& key);

@@ -100,7 +100,7 @@ TEST_F(NotletMacAppDelegateTest, WaysToTheMainWindowEndFloatingModeAndShowItOneT
 
 TEST_F(NotletMacAppDelegateTest, NavigationOutsideFloatingModeTouchesNoWindow) {
   launch();
-  surfaces.showPopover();
+  surfaces.showPopover(false);
   center.post(CommandName::openMacArchive);
   nextTurn();
   EXPECT_EQ(surfaces.active, Surface::popover);
@@ -174,7 +174,7 @@ TEST_F(NotletMacAppDelegateTest, EveryWayToTheQuickCaptureShowsItAndThenFocusesI
 
 TEST_F(NotletMacAppDelegateTest, TheBubbleTakesThePlaceOfThePopoverAndTheMainWindow) {
   launch();
-  surfaces.showPopover();
+  surfaces.showPopover(false);
   coordinator.archiveActive = true;
   delegate->activateMainWindow();
   center.post(CommandName::enterMacFloatingMode);

@@ -10,7 +10,8 @@ class FakeShellSurfaces final : public ShellSurfaces {
   enum class Surface { none, popover, mainWindow };
 
   [[nodiscard]] bool isPopoverShown() const override { return popoverShown; }
-  void showPopover() override {
+  void showPopover(bool itemWasClicked) override {
+    shownForClick = itemWasClicked;
     popoverShown = true;
     active = Surface::popover;
   }
@@ -28,6 +29,7 @@ class FakeShellSurfaces final : public ShellSurfaces {
 
   bool popoverShown = false;
   bool mainWindowShown = false;
+  bool shownForClick = false;
   /// Which of them has the keyboard.
   Surface active = Surface::none;
 

@@ -32,6 +32,11 @@ void MacMainView::resizeEvent(QResizeEvent*) {
   arrange();
 }
 
+void MacMainView::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  m_navigation.appear();
+}
+
 void MacMainView::arrange() {
   const bool isWide = width() >= sidebarFromWidth;
   m_layout->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);

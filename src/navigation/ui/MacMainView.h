@@ -24,6 +24,7 @@ class MacMainView : public QWidget {
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
+  void showEvent(QShowEvent* event) override;
 
  private:
   void arrange();

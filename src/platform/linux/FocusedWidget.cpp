@@ -36,6 +36,10 @@ bool FocusedWidget::isTextInputFocused() const {
          isWritable<QTextEdit>(widget) || isWritable<QAbstractSpinBox>(widget) || isEditableComboBox(widget);
 }
 
+bool FocusedWidget::isInMainWindow() const {
+  return m_mainWindow == nullptr || QApplication::activeWindow() == m_mainWindow;
+}
+
 void FocusedWidget::clearFocus() {
   if (QWidget* widget = focusedWidget())
     widget->clearFocus();

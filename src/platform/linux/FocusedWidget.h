@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QPointer>
+#include <QWidget>
+
 #include "platform/FocusedControl.h"
 
 namespace notlet {
@@ -9,7 +12,14 @@ namespace notlet {
 class FocusedWidget final : public FocusedControl {
  public:
   [[nodiscard]] bool isTextInputFocused() const override;
+  [[nodiscard]] bool isInMainWindow() const override;
   void clearFocus() override;
+
+  /// Until it is told, every window counts as the main one.
+  void setMainWindow(const QWidget* window) { m_mainWindow = window; }
+
+ private:
+  QPointer<const QWidget> m_mainWindow;
 };
 
 } // namespace notlet

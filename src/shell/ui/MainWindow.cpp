@@ -28,16 +28,19 @@ void MainWindow::setNotice(const QString& text) {
   m_notice->setText(text);
 }
 
-void MainWindow::activate() {
+void MainWindow::reveal() {
   setWindowState(windowState() & ~Qt::WindowMinimized);
+  // The window manager places a window anew that comes back without a wish of its own.
+  if (!isVisible() && m_hasBeenShown)
+    move(pos());
+  m_hasBeenShown = true;
   show();
   raise();
-  activateWindow();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-  event->accept();
-  Q_EMIT closed();
+  event->ignore();
+  Q_EMIT closeRequested();
 }
 
 } // namespace notlet

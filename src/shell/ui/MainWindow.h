@@ -8,8 +8,8 @@
 
 namespace notlet {
 
-/// The program's main window: one content in the theme in force. Closing it hides it; the owner decides what
-/// follows.
+/// The program's main window: one content in the theme in force. It does not close by itself: the owner
+/// decides.
 class MainWindow : public QMainWindow {
   Q_OBJECT
 
@@ -17,13 +17,14 @@ class MainWindow : public QMainWindow {
   /// Takes the content as its child.
   MainWindow(AppSettings& settings, QWidget* content);
 
-  /// Shows the window, in front of all others and with the keyboard.
-  void activate();
+  /// Shows the window in front of all others, where it was before. The keyboard is for the window system to give.
+  void reveal();
   /// A message above the content; an empty one takes it away.
   void setNotice(const QString& text);
 
  Q_SIGNALS:
-  void closed();
+  /// The user wants the window away.
+  void closeRequested();
   void noticeDismissed();
 
  protected:
@@ -31,6 +32,7 @@ class MainWindow : public QMainWindow {
 
  private:
   NoticeBar* m_notice;
+  bool m_hasBeenShown = false;
 };
 
 } // namespace notlet

@@ -1,0 +1,26 @@
+#include "shell/ui/ShellWindows.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+#include <vector>
+
+#include "shell/PopoverPlacement.h"
+
+namespace notlet {
+
+void ShellWindows::showPopover(bool itemWasClicked) {
+  std::vector<PopoverScreen> screens;
+  for (const QScreen* screen : QGuiApplication::screens())
+    screens.push_back({screen->geometry(), screen->availableGeometry()});
+  const PopoverAnchor anchor{m_surroundings.statusItem.area(), QCursor::pos(), itemWasClicked};
+  PopoverWindow& popover = m_surroundings.popover;
+  popover.showAt(popoverFrame(popover.size(), anchor, screens).topLeft());
+}
+
+void ShellWindows::activateMainWindow() {
+  m_surroundings.mainWindow.reveal();
+  m_surroundings.windowSystem.activate(m_surroundings.mainWindow.winId());
+}
+
+} // namespace notlet
