@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QPoint>
 #include <cstdint>
+#include <string>
 
 namespace notlet {
 
@@ -19,6 +20,9 @@ class WindowSystem : public QObject {
   /// Gives the keyboard to a window that is shown, as an answer to what the user did last, so that the window
   /// manager has no reason to refuse.
   virtual void activate(WindowID window) = 0;
+  /// Takes what the desktop gave to a start of the program (LaunchRequest::activationToken), for the next
+  /// activate(). Anything else in it is ignored.
+  virtual void noteActivationToken(const std::string& token) = 0;
   /// Has the window on every workspace and in no task list. To be called before the window is first shown.
   virtual void putOnAllWorkspaces(WindowID window) = 0;
   /// Whether mousePressed() tells of presses of a mouse button anywhere on the desktop.
