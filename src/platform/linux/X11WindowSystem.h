@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QAbstractNativeEventFilter>
+#include <QPointer>
+#include <array>
+#include <string>
+#include <vector>
+
+#include "platform/WindowSystem.h"
+#include "platform/linux/X11CompositorWatch.h"
+#include "platform/linux/X11Connection.h"
+#include "platform/linux/X11MouseWatch.h"
+
+class QWindow;
+
+namespace notlet {
+
+class X11UserTime;
+
+/// What the program asks of the X server and the window manager. Windows are those of Qt. Must go before the
+/// application object.
+class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventFilter {
+  Q_OBJECT
+
+ public:
+  X11WindowSystem(const X11Connection& connection, X11UserTime& userTime);
+  ~X11WindowSystem() override;
+
+  [[nodiscard]] bool hasCompositor() const override;
+  /// The window gets the keyboard after the window manager has agreed. When nobody noted what time the user
+  /// acted at, it is now.
+  void activate(WindowID window) override;
+  void noteActivationToken(const std::string& token) override;
+  void putOnAllWorkspaces(WindowID window) override;
+  void watchMouse(bool watched) override;
+
+ protected:
+  bool eventFilter(QObject* receiver, QEvent* event) override;
+
+ private:
+  struct Atoms {
+    xcb_atom_t activeWindow;
+    xcb_atom_t desktop;
+    xcb_atom_t state;
+    std::array<std::uint32_t, 3> stickyStates;
+    xcb_atom_t above;
+    xcb_atom_t askedForTime;
+  };
+
+  [[nodiscard]] static Atoms atomsOf(const X11Connection& connection);
+  bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
+  void windowShown(xcb_window_t shown) const;
+  void propertyChanged(const xcb_property_notify_event_t& change);
+  void followFocus();
+  void activateAt(xcb_window_t window, xcb_timestamp_t time);
+  void hintAllWorkspaces(xcb_window_t window) const;
+
+  X11Connection m_connection;
+  X11UserTime& m_userTime;
+  Atoms m_atoms;
+  X11CompositorWatch m_compositorWatch;
+  X11MouseWatch m_mouseWatch;
+  std::vector<QPointer<QWindow>> m_onAllWorkspaces;
+  /// Windows that are to be activated when the server has told the time.
+  std::vector<xcb_window_t> m_waitingForTime;
+};
+
+} // namespace notlet

@@ -1,0 +1,171 @@
+#include "platform/linux/X11WindowSystem.h"
+
+#include <gmock/gmock.h>
+
+#include <QSignalSpy>
+#include <QTest>
+#include <QWidget>
+
+#include "platform/linux/DisplayServer.h"
+#include "platform/linux/X11UserTime.h"
+#include "support/TestDisplay.h"
+#include "support/X11Client.h"
+#include "support/X11Marker.h"
+
+namespace notlet {
+
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+
+class X11WindowSystemTest : public testing::Test {
+ protected:
+  X11WindowSystemTest() {
+    window.setWindowFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+    window.setGeometry(600, 300, 200, 100);
+  }
+
+  static xcb_window_t native(QWidget& widget) { return static_cast<xcb_window_t>(widget.winId()); }
+
+  /// The other program has a window with the keyboard, in which the user has just clicked.
+  void useOtherProgram() {
+    otherWindow = other.showWindow(100, 100, 300, 200);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return other.isShown(otherWindow); }));
+    other.click(200, 200);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return other.activeWindow() == otherWindow; }));
+    other.noteUse(otherWindow);
+  }
+
+  X11Client other{testDisplay().name()};
+  xcb_window_t otherWindow = XCB_NONE;
+  X11UserTime userTime;
+  std::unique_ptr<WindowSystem> system = makeWindowSystem(userTime);
+  QWidget window;
+};
+
+} // namespace
+
+TEST_F(X11WindowSystemTest, GivesTheKeyboardToAWindowThatIsShown) {
+  useOtherProgram();
+  // Shown at once, shown for long, and hidden in between.
+  for (int count = 0; count < 3; ++count) {
+    window.show();
+    system->activate(window.winId());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.isActiveWindow(); }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return other.activeWindow() == native(window); }));
+    window.hide();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return other.activeWindow() == otherWindow; }));
+    other.noteUse(otherWindow);
+  }
+  window.setAttribute(Qt::WA_ShowWithoutActivating);
+  window.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+  system->activate(window.winId());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return window.isActiveWindow(); }));
+}
+
+// Window managers distrust a window that comes up by itself while the user is at work elsewhere, the more so
+// when the program has another one.
+TEST_F(X11WindowSystemTest, GivesTheKeyboardBesideTheMainWindow) {
+  QWidget mainWindow;
+  mainWindow.setGeometry(500, 200, 300, 300);
+  mainWindow.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&mainWindow));
+  useOtherProgram();
+  window.show();
+  system->activate(window.winId());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return window.isActiveWindow(); }, 1000));
+  other.click(200, 200);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return other.activeWindow() == otherWindow; }));
+  other.noteUse(otherWindow);
+  system->activate(mainWindow.winId());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return mainWindow.isActiveWindow(); }, 1000));
+}
+
+TEST_F(X11WindowSystemTest, UsesTheTimeOfAnActivationToken) {
+  system->noteActivationToken("launcher_TIME4711");
+  EXPECT_EQ(userTime.take(), 4711U);
+  system->noteActivationToken("0e8b2f0c");
+  EXPECT_EQ(userTime.take(), std::nullopt);
+}
+
+TEST_F(X11WindowSystemTest, IsOnAllWorkspacesEachTimeItIsShown) {
+  constexpr std::uint32_t everywhere = 0xFFFFFFFF;
+  window.setAttribute(Qt::WA_ShowWithoutActivating);
+  system->putOnAllWorkspaces(window.winId());
+  for (int count = 0; count < 5; ++count) {
+    window.show();
+    const auto has = [&](const char* state) {
+      return testing::Matches(Contains(other.atom(state)))(other.property(native(window), "_NET_WM_STATE"));
+    };
+    const auto isEverywhere = [&] {
+      return other.property(native(window), "_NET_WM_DESKTOP") == std::vector{everywhere} &&
+             has("_NET_WM_STATE_SKIP_TASKBAR") && has("_NET_WM_STATE_SKIP_PAGER") &&
+             has("_NET_WM_STATE_ABOVE");
+    };
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    EXPECT_TRUE(QTest::qWaitFor(isEverywhere)) << count;
+    window.hide();
+  }
+}
+
+TEST_F(X11WindowSystemTest, KnowsWhetherACompositorRuns) {
+  const QSignalSpy changes(system.get(), &WindowSystem::compositorChanged);
+  EXPECT_FALSE(system->hasCompositor());
+  {
+    const X11Client compositor(testDisplay().name());
+    compositor.ownSelection("_NET_WM_CM_S0");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return system->hasCompositor(); }));
+    EXPECT_TRUE(makeWindowSystem(userTime)->hasCompositor());
+    compositor.giveUpSelection("_NET_WM_CM_S0");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !system->hasCompositor(); }));
+    compositor.ownSelection("_NET_WM_CM_S0");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return system->hasCompositor(); }));
+  }
+  // It has ended without a word.
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !system->hasCompositor(); }));
+  EXPECT_EQ(changes.count(), 4);
+}
+
+TEST_F(X11WindowSystemTest, HearsOfPressesInOtherProgramsWhileAsked) {
+  useOtherProgram();
+  QSignalSpy presses(system.get(), &WindowSystem::mousePressed);
+  system->watchMouse(true);
+  constexpr int wheelUp = 4;
+  other.click(250, 220, wheelUp);
+  other.click(250, 230);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return presses.count() > 0; }));
+  const qreal ratio = qApp->devicePixelRatio();
+  EXPECT_EQ(presses[0][0].toPoint(), (QPointF(250, 230) / ratio).toPoint());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return other.tookButtonPress(); }));
+  other.click(5, 5, 3);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return presses.count() == 2; }));
+
+  system->watchMouse(false);
+  other.click(250, 230);
+  EXPECT_TRUE(X11Marker().catchUp());
+  EXPECT_EQ(presses.count(), 2);
+}
+
+TEST_F(X11WindowSystemTest, KnowsWhatTheWindowManagerCanDo) {
+  DesktopCapabilities expected;
+  expected.placesWindows = true;
+  expected.seesMouseEverywhere = true;
+  expected.keepsWindowsAbove = true;
+  expected.showsOnAllWorkspaces = true;
+  EXPECT_EQ(windowCapabilities(), expected);
+  testDisplay().stopWindowManager();
+  expected.keepsWindowsAbove = false;
+  expected.showsOnAllWorkspaces = false;
+  EXPECT_EQ(windowCapabilities(), expected);
+
+  window.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+  system->activate(window.winId());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return window.isActiveWindow(); }));
+  window.hide();
+  testDisplay().startWindowManager();
+}
+
+} // namespace notlet
