@@ -4,11 +4,15 @@
 #include <QShortcut>
 
 #include "archive/ui/MacArchiveView.h"
+#include "capture/ui/MacCaptureView.h"
 #include "capture/ui/MacNotletView.h"
 #include "navigation/ui/MacMainView.h"
+#include "shell/ui/MacFloatingBubbleView.h"
 #include "shell/ui/MacStorageUnavailableView.h"
 #include "themes/ui/PlainThemeList.h"
 #include "widgets/Alert.h"
+#include "widgets/AppIcon.h"
+#include "widgets/Motion.h"
 #include "widgets/TextConversion.h"
 
 namespace notlet {
@@ -36,40 +40,88 @@ std::optional<std::filesystem::path> editDirectory(const Places& places) {
 
 NotletMacApp::NotletMacApp(const Places& places)
     : m_sharedDefaults(defaultsFile(places, "shared-defaults.json")),
+      m_defaults(defaultsFile(places, "defaults.json")),
       m_settings(m_sharedDefaults),
       m_shortcutSettings(places.configuration, m_fileOpener),
       m_coordinator({m_notificationCenter, m_shortcutSettings, m_steadyClock, m_focusedWidget}),
       m_keyMonitor([this](const KeyPress& press) { return m_coordinator.handle(press); }),
       m_navigation(m_notificationCenter, m_coordinator),
       m_storage(places.data),
-      m_draftKeeper(draftDirectory(places), "main-window", m_scheduler),
-      m_unsavedEdits(editDirectory(places), m_scheduler) {
-  m_mainWindow = std::make_unique<MainWindow>(m_settings, makeMainContent());
-  connectWindow();
+      m_mainCapture{{draftDirectory(places), "main-window", m_scheduler}, nullptr},
+      m_popoverCapture{{draftDirectory(places), "popover", m_scheduler}, nullptr},
+      m_panelCapture{{draftDirectory(places), "panel", m_scheduler}, nullptr},
+      m_unsavedEdits(editDirectory(places), m_scheduler),
+      m_windowLife(m_defaults) {
+  if (isStoreOpen())
+    makeRules(m_storage.container()->mainContext());
+  makeWindows();
+  m_delegate = std::make_unique<NotletMacAppDelegate>(NotletMacAppDelegate::Surroundings{
+      *m_shellWindows, m_floatingPanelController.get(), m_notificationCenter, m_coordinator,
+      m_shortcutSettings, m_desktop.hotKey(), m_desktop.statusItem(), m_steadyClock});
+  connectWindows();
+  connectDesktop();
+  connectMessages();
 }
 
-// The window goes first: its views use the rules until the end.
+// The windows go first: their views use the rules until the end.
 NotletMacApp::~NotletMacApp() {
+  m_delegate->applicationWillTerminate();
+  m_delegate.reset();
+  m_floatingPanelController.reset();
+  m_floatingPanel.reset();
+  m_shellWindows.reset();
+  m_popover.reset();
   m_mainWindow.reset();
   m_archiveBrowser.reset();
   m_archiveIndex.reset();
-  m_composer.reset();
+}
+
+bool NotletMacApp::isStoreOpen() {
+  return m_storage.container() != nullptr;
 }
 
 void NotletMacApp::makeRules(ModelContext& context) {
   connect(&context, &ModelContext::storeFailed, this, &NotletMacApp::reportStoreFailure);
-  m_composer = std::make_unique<CaptureComposer>(
-      CaptureComposer::Surroundings{context, m_notificationCenter, m_clock, m_scheduler, m_draftKeeper});
+  makeComposer(m_mainCapture, context, CaptureComposer::Surface::mainWindow);
+  makeComposer(m_popoverCapture, context, CaptureComposer::Surface::quickCapture);
+  makeComposer(m_panelCapture, context, CaptureComposer::Surface::quickCapture);
   m_archiveIndex = std::make_unique<ArchiveIndex>(context);
   m_archiveBrowser = std::make_unique<ArchiveBrowser>(
       ArchiveBrowser::Surroundings{*m_archiveIndex, m_notificationCenter, m_clock, m_unsavedEdits,
                                    [this](const ArchiveKeyboardFlags& flags) { publishFlags(flags); }});
 }
 
+void NotletMacApp::makeComposer(Capture& capture, ModelContext& context, CaptureComposer::Surface surface) {
+  capture.composer = std::make_unique<CaptureComposer>(
+      CaptureComposer::Surroundings{context, m_notificationCenter, m_clock, m_scheduler, capture.draftKeeper,
+                                    &m_desktop.widgetTimelines()},
+      surface);
+}
+
+void NotletMacApp::makeWindows() {
+  m_mainWindow = std::make_unique<MainWindow>(m_settings, makeMainContent());
+  m_focusedWidget.setMainWindow(m_mainWindow.get());
+  m_popover = std::make_unique<PopoverWindow>(m_settings, m_desktop.windowSystem(), makePopoverContent());
+  m_shellWindows = std::make_unique<ShellWindows>(ShellWindows::Surroundings{
+      *m_mainWindow, *m_popover, m_desktop.statusItem(), m_desktop.windowSystem()});
+  if (isStoreOpen())
+    makeFloatingPanel();
+}
+
+void NotletMacApp::makeFloatingPanel() {
+  m_floatingPanel = std::make_unique<FloatingPanelWindows>(
+      FloatingPanelWindows::Surroundings{m_settings, m_desktop.windowSystem(), m_desktop.screens()},
+      FloatingPanelWindows::Contents{[this] { return makeBubble(); }, [this] { return makePanelContent(); }});
+  m_floatingPanelController =
+      std::make_unique<MacFloatingPanelController>(MacFloatingPanelController::Surroundings{
+          *m_floatingPanel, m_desktop.screens(), m_defaults, m_notificationCenter, m_coordinator});
+  connect(m_floatingPanel.get(), &FloatingPanelWindows::captureClosedByDesktop,
+          m_floatingPanelController.get(), &MacFloatingPanelController::collapseCapture);
+}
+
 QWidget* NotletMacApp::makeMainContent() {
-  if (!m_storage.container())
+  if (!isStoreOpen())
     return new MacStorageUnavailableView(m_storage.errorDescription());
-  makeRules(m_storage.container()->mainContext());
   return new MacMainView(m_navigation, [this](MacSection section) { return makeSection(section); });
 }
 
@@ -82,14 +134,60 @@ QWidget* NotletMacApp::makeSection(MacSection section) {
   case MacSection::notlet:
     break;
   }
-  return new MacNotletView(*m_composer);
+  return new MacNotletView(*m_mainCapture.composer);
 }
 
-void NotletMacApp::connectWindow() {
-  auto* quit = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q), m_mainWindow.get());
-  connect(quit, &QShortcut::activated, qApp, &QCoreApplication::quit);
-  connect(m_mainWindow.get(), &MainWindow::closed, qApp, &QCoreApplication::quit);
+QWidget* NotletMacApp::makePopoverContent() {
+  if (!isStoreOpen())
+    return new MacStorageUnavailableView(m_storage.errorDescription());
+  return new MacCaptureView(
+      *m_popoverCapture.composer,
+      {.onClose = [this] { m_popover->dismiss(); }, .onShowMainApp = {}, .onDragEnded = {}});
+}
 
+QWidget* NotletMacApp::makeBubble() {
+  return new MacFloatingBubbleView(
+      [this] { m_floatingPanelController->expandCapture(); },
+      [this](QPointF movement, bool hasEnded) { m_floatingPanelController->dragBubble(movement, hasEnded); });
+}
+
+QWidget* NotletMacApp::makePanelContent() {
+  MacFloatingPanelController* controller = m_floatingPanelController.get();
+  return new MacCaptureView(*m_panelCapture.composer,
+                            {.onClose = [controller] { controller->collapseCapture(); },
+                             .onShowMainApp = [controller] { controller->returnToMainApp(); },
+                             .onDragEnded = [controller] { controller->captureDragEnded(); },
+                             .placesWindows = m_desktop.capabilities().placesWindows});
+}
+
+void NotletMacApp::connectWindows() {
+  auto* quitKey = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q), m_mainWindow.get());
+  quitKey->setContext(Qt::ApplicationShortcut);
+  connect(quitKey, &QShortcut::activated, this, &NotletMacApp::quit);
+  connect(m_mainWindow.get(), &MainWindow::closeRequested, this, &NotletMacApp::closeMainWindow);
+  connect(m_popover.get(), &PopoverWindow::closed, m_delegate.get(),
+          [this](PopoverWindow::CloseReason reason) {
+            if (reason == PopoverWindow::CloseReason::deactivated ||
+                reason == PopoverWindow::CloseReason::pressedElsewhere)
+              m_delegate->popoverClosedByItself();
+          });
+  connect(m_delegate.get(), &NotletMacAppDelegate::quitRequested, this, &NotletMacApp::quit);
+}
+
+void NotletMacApp::connectDesktop() {
+  connect(&m_desktop.application(), &BusApplication::requested, this, &NotletMacApp::handle);
+  connect(&m_desktop.appearance(), &Appearance::changed, this, &NotletMacApp::configureApplicationIcon);
+  connect(&m_desktop.appearance(), &PortalAppearance::reducesMotionChanged, this,
+          [this] { Motion::setReduced(m_desktop.appearance().reducesMotion()); });
+  // Edits of the shortcut file by hand take effect on return to the program.
+  connect(qApp, &QGuiApplication::applicationStateChanged, m_delegate.get(),
+          [this](Qt::ApplicationState state) {
+            if (state == Qt::ApplicationActive)
+              m_delegate->applicationDidBecomeActive();
+          });
+}
+
+void NotletMacApp::connectMessages() {
   const auto showMessage = [this] {
     m_mainWindow->setNotice(fromUtf8(m_shortcutSettings.errorMessage().value_or("")));
   };
@@ -97,12 +195,73 @@ void NotletMacApp::connectWindow() {
   connect(m_mainWindow.get(), &MainWindow::noticeDismissed, this,
           [this] { m_shortcutSettings.setErrorMessage(std::nullopt); });
   showMessage();
-  // Edits of the shortcut file by hand take effect on return to the program.
-  connect(qApp, &QGuiApplication::applicationStateChanged, &m_shortcutSettings,
-          [this](Qt::ApplicationState state) {
-            if (state == Qt::ApplicationActive)
-              m_shortcutSettings.reload();
-          });
+}
+
+void NotletMacApp::configureApplicationIcon() {
+  QApplication::setWindowIcon(
+      appIcon(m_desktop.appearance().isDark() ? AppIconTone::white : AppIconTone::black));
+}
+
+void NotletMacApp::launch(const std::optional<LaunchRequest>& request) {
+  configureApplicationIcon();
+  if (request)
+    m_desktop.windowSystem().noteActivationToken(request->activationToken);
+  m_mainWindow->installEventFilter(this);
+  m_popover->installEventFilter(this);
+  m_delegate->applicationDidFinishLaunching(request);
+  if (!request)
+    startDesktop();
+}
+
+// The tray, the bus and the popover's first layout can wait until there is something to see.
+bool NotletMacApp::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Paint) {
+    m_mainWindow->removeEventFilter(this);
+    m_popover->removeEventFilter(this);
+    QMetaObject::invokeMethod(this, &NotletMacApp::startDesktop, Qt::QueuedConnection);
+  }
+  return QObject::eventFilter(watched, event);
+}
+
+void NotletMacApp::startDesktop() {
+  if (std::exchange(m_isDesktopStarted, true))
+    return;
+  m_desktop.start();
+  m_popover->prepare();
+}
+
+void NotletMacApp::handle(const LaunchRequest& request) {
+  m_desktop.windowSystem().noteActivationToken(request.activationToken);
+  m_delegate->handle(request);
+}
+
+void NotletMacApp::keepDrafts() {
+  for (Capture* capture : {&m_mainCapture, &m_popoverCapture, &m_panelCapture})
+    capture->draftKeeper.flush();
+  m_unsavedEdits.flush();
+}
+
+void NotletMacApp::closeMainWindow() {
+  const WaysBack waysBack = m_delegate->waysBack();
+  if (!WindowLife::keepsRunning(waysBack))
+    return quit();
+  if (!m_windowLife.mustExplain() || explain(waysBack))
+    m_mainWindow->hide();
+}
+
+/// Tells once that the program goes on; false when the window has to stay to say so.
+bool NotletMacApp::explain(const WaysBack& waysBack) {
+  m_windowLife.noteExplained();
+  const QString text = fromUtf8(WindowLife::explanation(waysBack));
+  if (m_desktop.notifications().show(QStringLiteral("Notlet"), text))
+    return true;
+  m_mainWindow->setNotice(text);
+  return false;
+}
+
+// Windows are not asked: closing one is something else than leaving.
+void NotletMacApp::quit() {
+  QCoreApplication::exit(0);
 }
 
 void NotletMacApp::publishFlags(const ArchiveKeyboardFlags& flags) {
@@ -113,14 +272,6 @@ void NotletMacApp::publishFlags(const ArchiveKeyboardFlags& flags) {
 
 void NotletMacApp::reportStoreFailure(const QString& reason) {
   Alert::message(m_mainWindow.get(), QStringLiteral("Notlet storage is unavailable"), reason)->open();
-}
-
-void NotletMacApp::activateMainWindow() {
-  m_mainWindow->activate();
-}
-
-void NotletMacApp::handle(const LaunchRequest& /*request*/) {
-  activateMainWindow();
 }
 
 } // namespace notlet

@@ -2,7 +2,9 @@
 
 #include <QObject>
 #include <memory>
+#include <optional>
 
+#include "app/Desktop.h"
 #include "archive/ArchiveBrowser.h"
 #include "archive/ArchiveIndex.h"
 #include "archive/UnsavedEdits.h"
@@ -19,7 +21,13 @@
 #include "platform/linux/DesktopFileOpener.h"
 #include "platform/linux/FocusedWidget.h"
 #include "platform/linux/KeyMonitor.h"
+#include "shell/MacFloatingPanelController.h"
+#include "shell/NotletMacAppDelegate.h"
+#include "shell/WindowLife.h"
+#include "shell/ui/FloatingPanelWindows.h"
 #include "shell/ui/MainWindow.h"
+#include "shell/ui/PopoverWindow.h"
+#include "shell/ui/ShellWindows.h"
 #include "shortcuts/MacShortcutCoordinator.h"
 #include "shortcuts/MacShortcutSettings.h"
 #include "storage/MacStorage.h"
@@ -36,16 +44,41 @@ class NotletMacApp : public QObject {
   /// Writes what the drafts still lack.
   ~NotletMacApp() override;
 
-  /// Brings the main window forward.
-  void activateMainWindow();
-  /// Does what a start of the program asks for, this one's or a later one's.
+  /// Brings the program up, with what this start asks for; without a request no window is shown.
+  void launch(const std::optional<LaunchRequest>& request);
+  /// Does what a later start, or the desktop, asks for.
   void handle(const LaunchRequest& request);
+  /// Writes what was typed and is not written yet. Touches no window.
+  void keepDrafts();
+
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  /// A composer with what it keeps its draft in.
+  struct Capture {
+    DraftKeeper draftKeeper;
+    std::unique_ptr<CaptureComposer> composer;
+  };
+
   void makeRules(ModelContext& context);
+  void makeComposer(Capture& capture, ModelContext& context, CaptureComposer::Surface surface);
+  void makeWindows();
+  void makeFloatingPanel();
   [[nodiscard]] QWidget* makeMainContent();
   [[nodiscard]] QWidget* makeSection(MacSection section);
-  void connectWindow();
+  [[nodiscard]] QWidget* makePopoverContent();
+  [[nodiscard]] QWidget* makeBubble();
+  [[nodiscard]] QWidget* makePanelContent();
+  [[nodiscard]] bool isStoreOpen();
+
+  void connectWindows();
+  void connectDesktop();
+  void connectMessages();
+  void configureApplicationIcon();
+  void startDesktop();
+  void closeMainWindow();
+  [[nodiscard]] bool explain(const WaysBack& waysBack);
+  void quit();
   void reportStoreFailure(const QString& reason);
   void publishFlags(const ArchiveKeyboardFlags& flags);
 
@@ -54,7 +87,9 @@ class NotletMacApp : public QObject {
   TimerScheduler m_scheduler;
   NotificationCenter m_notificationCenter;
   JsonFileDefaults m_sharedDefaults;
+  JsonFileDefaults m_defaults;
   AppSettings m_settings;
+  Desktop m_desktop;
 
   DesktopFileOpener m_fileOpener;
   MacShortcutSettings m_shortcutSettings;
@@ -64,12 +99,21 @@ class NotletMacApp : public QObject {
   MainNavigation m_navigation;
 
   MacStorage m_storage;
-  DraftKeeper m_draftKeeper;
+  Capture m_mainCapture;
+  Capture m_popoverCapture;
+  Capture m_panelCapture;
   UnsavedEdits m_unsavedEdits;
-  std::unique_ptr<CaptureComposer> m_composer;
   std::unique_ptr<ArchiveIndex> m_archiveIndex;
   std::unique_ptr<ArchiveBrowser> m_archiveBrowser;
+
+  WindowLife m_windowLife;
   std::unique_ptr<MainWindow> m_mainWindow;
+  std::unique_ptr<PopoverWindow> m_popover;
+  std::unique_ptr<ShellWindows> m_shellWindows;
+  std::unique_ptr<FloatingPanelWindows> m_floatingPanel;
+  std::unique_ptr<MacFloatingPanelController> m_floatingPanelController;
+  std::unique_ptr<NotletMacAppDelegate> m_delegate;
+  bool m_isDesktopStarted = false;
 };
 
 } // namespace notlet

@@ -7,8 +7,8 @@
 #include "platform/InstanceSocket.h"
 #include "platform/LaunchRequest.h"
 #include "platform/linux/SingleInstance.h"
+#include "platform/linux/SuddenExit.h"
 #include "platform/linux/TerminationSignals.h"
-#include "widgets/AppIcon.h"
 #include "widgets/NotletStyle.h"
 #include "widgets/TextConversion.h"
 
@@ -83,11 +83,10 @@ int main(int argc, char** argv) {
     return 0;
 
   QApplication::setStyle(new NotletStyle); // The application takes it over.
-  QApplication::setWindowIcon(appIcon(AppIconTone::white));
   NotletMacApp app(places);
+  const SuddenExit keepDrafts([&app] { app.keepDrafts(); });
   QObject::connect(&instance, &SingleInstance::requested, &app, &NotletMacApp::handle);
-  QObject::connect(&signals, &TerminationSignals::received, &application, &QCoreApplication::quit);
-  if (*request)
-    app.handle(**request);
+  QObject::connect(&signals, &TerminationSignals::received, &application, [] { QCoreApplication::exit(0); });
+  app.launch(*request);
   return QApplication::exec();
 }

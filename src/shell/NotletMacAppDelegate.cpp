@@ -27,18 +27,20 @@ NotletMacAppDelegate::NotletMacAppDelegate(const Surroundings& surroundings, QOb
     : QObject(parent), m_surroundings(surroundings) {
 }
 
-void NotletMacAppDelegate::applicationDidFinishLaunching(const LaunchRequest& request) {
+void NotletMacAppDelegate::applicationDidFinishLaunching(const std::optional<LaunchRequest>& request) {
   listenToStatusItem();
   if (m_surroundings.floatingPanelController)
     connect(m_surroundings.floatingPanelController, &MacFloatingPanelController::mainAppRequested, this,
             &NotletMacAppDelegate::activateMainWindow);
   configureGlobalQuickNotletHotKey();
   observeCommands();
+  if (!request)
+    return;
   // The main window would take the keyboard away from the popover, which then closes.
-  if (request.kind != LaunchRequest::Kind::capture)
+  if (request->kind != LaunchRequest::Kind::capture)
     activateMainWindow();
-  if (request.kind != LaunchRequest::Kind::activate)
-    handle(request);
+  if (request->kind != LaunchRequest::Kind::activate)
+    handle(*request);
 }
 
 void NotletMacAppDelegate::listenToStatusItem() {

@@ -40,8 +40,8 @@ class NotletMacAppDelegate : public QObject {
   explicit NotletMacAppDelegate(const Surroundings& surroundings, QObject* parent = nullptr);
 
   /// Starts to listen, asks for the hot key and does what the program was started for: the main window comes
-  /// forward, unless only the quick capture is asked for.
-  void applicationDidFinishLaunching(const LaunchRequest& request = {});
+  /// forward, unless only the quick capture is asked for, or nothing at all.
+  void applicationDidFinishLaunching(const std::optional<LaunchRequest>& request = LaunchRequest());
   /// Brings edits of the shortcut file by hand into force.
   void applicationDidBecomeActive();
   /// Gives the hot key back.

@@ -141,7 +141,8 @@ bool MacShortcutCoordinator::startSearch(const Key& key) {
 }
 
 bool MacShortcutCoordinator::useArchive(const Key& key) {
-  if (!showsInArchive(archiveActive) || key.modifiers != 0 || m_surroundings.focusedControl.isTextInputFocused())
+  if (!showsInArchive(archiveActive) || key.modifiers != 0 ||
+      m_surroundings.focusedControl.isTextInputFocused())
     return false;
   if (archiveHashtagNavigationActive && useHashtags(key))
     return true;

@@ -94,6 +94,21 @@ struct KeyCase {
   std::string outcome;
 };
 
+// The popover has the keyboard while the main window behind it shows the archive and an open editor.
+TEST_F(MacShortcutCoordinatorTest, KeysInOtherWindowsLeaveTheArchiveAlone) {
+  focus.inMainWindow = false;
+  for (const Situation& behind : {archiveList, hashtagStrip, searchField, editing}) {
+    for (const char* key : {"return", "down", "j", "e", "d", "right", "backspace"}) {
+      show(behind);
+      EXPECT_EQ(press(key), "pass") << key;
+    }
+    show(behind);
+    EXPECT_EQ(press("escape"), behind.textInput ? "consume" : "pass");
+    arm();
+    EXPECT_EQ(press("a"), "openMacArchive");
+  }
+}
+
 // One key in one situation, with nothing armed before.
 TEST_F(MacShortcutCoordinatorTest, EachSituationGivesKeysItsOwnMeaning) {
   const std::vector<KeyCase> cases = {

@@ -67,8 +67,8 @@ class FakePortal final : public QDBusVirtualObject {
   /// Waits until the program on `bus` has got all that the portal has said so far; false when it does not
   /// come about.
   [[nodiscard]] static bool settle(const QDBusConnection& bus) {
-    QDBusPendingCallWatcher last(bus.asyncCall(
-        QDBusMessage::createMethodCall(name(), root(), QStringLiteral("org.notlet.Test"), QStringLiteral("Settle"))));
+    QDBusPendingCallWatcher last(bus.asyncCall(QDBusMessage::createMethodCall(
+        name(), root(), QStringLiteral("org.notlet.Test"), QStringLiteral("Settle"))));
     QSignalSpy spy(&last, &QDBusPendingCallWatcher::finished);
     return spy.wait();
   }

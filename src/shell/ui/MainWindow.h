@@ -17,7 +17,8 @@ class MainWindow : public QMainWindow {
   /// Takes the content as its child.
   MainWindow(AppSettings& settings, QWidget* content);
 
-  /// Shows the window in front of all others, where it was before. The keyboard is for the window system to give.
+  /// Shows the window in front of all others, where it was before. The keyboard is for the window system to
+  /// give.
   void reveal();
   /// A message above the content; an empty one takes it away.
   void setNotice(const QString& text);
