@@ -172,6 +172,8 @@ void NotletMacApp::connectWindows() {
               m_delegate->popoverClosedByItself();
           });
   connect(m_delegate.get(), &NotletMacAppDelegate::quitRequested, this, &NotletMacApp::quit);
+  connect(m_delegate.get(), &NotletMacAppDelegate::settingsRequested, &m_shortcutSettings,
+          &MacShortcutSettings::openConfigFile);
 }
 
 void NotletMacApp::connectDesktop() {

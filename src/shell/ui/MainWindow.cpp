@@ -2,6 +2,7 @@
 
 #include <QCloseEvent>
 #include <QVBoxLayout>
+#include <QWindow>
 
 namespace notlet {
 
@@ -30,10 +31,10 @@ void MainWindow::setNotice(const QString& text) {
 
 void MainWindow::reveal() {
   setWindowState(windowState() & ~Qt::WindowMinimized);
-  // The window manager places a window anew that comes back without a wish of its own.
-  if (!isVisible() && m_hasBeenShown)
-    move(pos());
-  m_hasBeenShown = true;
+  // The window manager places a window anew that comes back without a wish of its own. Setting the same place
+  // makes it one.
+  if (!isVisible() && windowHandle())
+    windowHandle()->setGeometry(windowHandle()->geometry());
   show();
   raise();
 }

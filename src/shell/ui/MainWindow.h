@@ -33,7 +33,6 @@ class MainWindow : public QMainWindow {
 
  private:
   NoticeBar* m_notice;
-  bool m_hasBeenShown = false;
 };
 
 } // namespace notlet
