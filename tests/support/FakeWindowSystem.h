@@ -16,6 +16,7 @@ class FakeWindowSystem final : public WindowSystem {
     if (QWidget* widget = QWidget::find(window))
       widget->activateWindow();
   }
+  void noteActivationToken(const std::string& token) override { activationToken = token; }
   void putOnAllWorkspaces(WindowID window) override {
     const QWidget* widget = QWidget::find(window);
     onAllWorkspaces.push_back({window, widget && widget->isVisible()});
@@ -39,6 +40,7 @@ class FakeWindowSystem final : public WindowSystem {
   std::vector<WindowID> activated;
   std::vector<Placed> onAllWorkspaces;
   bool isMouseWatched = false;
+  std::string activationToken;
 
  private:
   bool m_hasCompositor = true;
