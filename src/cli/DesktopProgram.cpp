@@ -47,6 +47,7 @@ class DetachedSpawn {
   /// A name without "/" is looked for in PATH. Gives an error number.
   [[nodiscard]] int start(const char* program, pid_t& process) {
     std::vector<char*> arguments;
+    arguments.reserve(m_arguments.size() + 1);
     for (std::string& argument : m_arguments)
       arguments.push_back(argument.data());
     arguments.push_back(nullptr);

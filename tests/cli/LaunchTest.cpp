@@ -10,8 +10,6 @@ namespace notlet {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::StartsWith;
 using Kind = LaunchRequest::Kind;
 using Words = NotletProcess::Words;
 

@@ -3,6 +3,7 @@
 #include <sys/socket.h>
 
 #include <cerrno>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,11 +41,12 @@ void LaunchPeer::take(std::string_view bytes) {
   const auto request = m_reader.take(bytes);
   if (!request)
     return refuse(request.error().message);
-  if (!*request)
+  const std::optional<LaunchRequest>& whole = *request;
+  if (!whole)
     return;
   answer({&acceptedAnswer, 1});
   hangUp();
-  Q_EMIT received(**request);
+  Q_EMIT received(*whole);
 }
 
 void LaunchPeer::refuse(std::string_view reason) {

@@ -262,6 +262,9 @@ TEST_F(SingleInstanceTest, HearsNoOtherUser) {
 
 // A connection that cannot be accepted stays readable; it must neither spin the program nor be lost.
 TEST_F(SingleInstanceTest, WaitsQuietlyForAFreeDescriptor) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "The sanitizer itself needs free descriptors.";
+#endif
   SingleInstance first(place);
   ASSERT_EQ(first.start(activation), Role::First);
   RawPeer peer(socket);
@@ -272,12 +275,17 @@ TEST_F(SingleInstanceTest, WaitsQuietlyForAFreeDescriptor) {
   const rlimit none{.rlim_cur = static_cast<rlim_t>(lowestFree), .rlim_max = limit.rlim_max};
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
   const bool dialled = peer.dial();
-  const QSignalSpy wakes(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake);
-  QTest::qWait(100);
-  const auto wakesWithout = wakes.count();
+  int wakes = 0;
+  {
+    const QObject counting;
+    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake, &counting,
+                     [&] { ++wakes; });
+    QTest::qWait(100);
+  }
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
   EXPECT_TRUE(dialled);
-  EXPECT_LT(wakesWithout, 50);
+  EXPECT_GT(wakes, 0);
+  EXPECT_LT(wakes, 50);
   EXPECT_TRUE(peer.awaitEnd(*encodeLaunchMessage(activation)));
   EXPECT_EQ(peer.answer(), "+");
 }
