@@ -43,13 +43,17 @@ class LaunchTest : public ::testing::Test {
 TEST_F(LaunchTest, reachesTheRunningProgram) {
   const FakeInstance running(socket());
   notlet.environment["XDG_ACTIVATION_TOKEN"] = "token";
+  notlet.environment["DESKTOP_STARTUP_ID"] = "older";
   const std::string longLink = "notlet:" + std::string(100'000, 'x');
   for (const Words& words : {Words{}, {"capture"}, {"open", "notlet:x", longLink}, {"open", "--", "notlet:"}})
     EXPECT_EQ(notlet.succeed(words).output, "");
+  notlet.environment.erase("XDG_ACTIVATION_TOKEN");
+  EXPECT_EQ(notlet.succeed({"capture"}).output, "");
   EXPECT_THAT(running.requests(), ElementsAre(LaunchRequest{Kind::activate, {}, "token"},
                                               LaunchRequest{Kind::capture, {}, "token"},
                                               LaunchRequest{Kind::open, {"notlet:x", longLink}, "token"},
-                                              LaunchRequest{Kind::open, {"notlet:"}, "token"}));
+                                              LaunchRequest{Kind::open, {"notlet:"}, "token"},
+                                              LaunchRequest{Kind::capture, {}, "older"}));
   EXPECT_EQ(started(), "");
 }
 
