@@ -73,7 +73,8 @@ void FloatingPanelWindows::orderFront() {
 }
 
 void FloatingPanelWindows::prepareCapture() {
-  window(Content::capture).prepare();
+  if (!m_capture)
+    window(Content::capture).prepare();
 }
 
 void FloatingPanelWindows::makeKeyAndOrderFront() {

@@ -109,8 +109,10 @@ void RoundedWindow::resizeEvent(QResizeEvent* event) {
 }
 
 void RoundedWindow::hideEvent(QHideEvent* event) {
-  m_opening.stop();
-  applyShape();
+  if (m_opening.state() == QAbstractAnimation::Running) {
+    m_opening.stop();
+    applyShape();
+  }
   QWidget::hideEvent(event);
 }
 
