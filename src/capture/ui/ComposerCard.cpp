@@ -4,6 +4,7 @@
 #include <QFocusEvent>
 #include <QHBoxLayout>
 #include <QPainter>
+#include <QResizeEvent>
 #include <QScopedValueRollback>
 #include <QTextDocument>
 #include <QVBoxLayout>
@@ -62,6 +63,7 @@ void ComposerCard::prepareEditor() {
   m_editor->setMinimumHeight(leastLines * m_editor->fontMetrics().lineSpacing() + 4);
   m_editor->viewport()->setAutoFillBackground(false); // The card shows through.
   m_editor->installEventFilter(this);
+  m_editor->viewport()->installEventFilter(this);
 }
 
 void ComposerCard::layOut() {
@@ -158,14 +160,17 @@ void ComposerCard::renderSaveAlert() {
 }
 
 // Suggestions and warnings make the editor smaller while the user is typing at its end.
-void ComposerCard::keepCaretInSight() {
-  if (m_editor->viewport()->rect().intersects(m_editor->cursorRect()))
+void ComposerCard::keepCaretInSight(QSize before) {
+  if (QRect(QPoint(), before).intersects(m_editor->cursorRect()))
     QMetaObject::invokeMethod(m_editor, &QPlainTextEdit::ensureCursorVisible, Qt::QueuedConnection);
 }
 
 bool ComposerCard::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::Resize)
-    keepCaretInSight();
+  if (watched == m_editor->viewport()) {
+    if (event->type() == QEvent::Resize)
+      keepCaretInSight(static_cast<QResizeEvent*>(event)->oldSize());
+    return false;
+  }
   const bool isFocusOut = event->type() == QEvent::FocusOut;
   if (event->type() == QEvent::FocusIn)
     m_composer.setInputFocused(true);

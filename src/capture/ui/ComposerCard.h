@@ -39,7 +39,8 @@ class ComposerCard : public QWidget {
   void renderFocus();
   void renderHint();
   void renderSaveAlert();
-  void keepCaretInSight();
+  /// `before` is the size of the text's window until now.
+  void keepCaretInSight(QSize before);
 
   CaptureComposer& m_composer;
   ExactTextEdit* m_editor;
