@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/linux/X11ScreenWatch.h"
+
 namespace notlet {
 
 namespace {
@@ -30,24 +32,8 @@ std::int64_t numberByConnector(const MonitorName& monitor) {
                    monitor.connector});
 }
 
-/// Qt's stand-in has no size, or no name.
-bool isStandIn(const QScreen& screen) {
-  return screen.name().isEmpty() || screen.geometry().isEmpty();
-}
-
-QList<QScreen*> realScreens() {
-  QList<QScreen*> screens = QGuiApplication::screens();
-  screens.removeIf([](const QScreen* screen) { return isStandIn(*screen); });
-  return screens;
-}
-
 QPoint lowerLeft(const QRect& rect) {
   return {rect.x(), rect.y() + rect.height()};
-}
-
-UpwardCoordinates coordinates() {
-  const QScreen* main = QGuiApplication::primaryScreen();
-  return UpwardCoordinates(main == nullptr || isStandIn(*main) ? QPoint() : lowerLeft(main->geometry()));
 }
 
 } // namespace
@@ -77,6 +63,10 @@ QRect UpwardCoordinates::toQt(const QRectF& rect) const {
 }
 
 QtScreens::QtScreens() {
+  if (const auto connection = X11Connection::ofApplication()) {
+    m_x11 = std::make_unique<X11ScreenWatch>(*connection);
+    connect(m_x11.get(), &X11ScreenWatch::changing, this, &QtScreens::scheduleChanged);
+  }
   for (QScreen* screen : QGuiApplication::screens())
     watch(screen);
   connect(qGuiApp, &QGuiApplication::screenAdded, this, [this](QScreen* screen) {
@@ -86,6 +76,8 @@ QtScreens::QtScreens() {
   connect(qGuiApp, &QGuiApplication::screenRemoved, this, &QtScreens::scheduleChanged);
   connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &QtScreens::scheduleChanged);
 }
+
+QtScreens::~QtScreens() = default;
 
 void QtScreens::watch(QScreen* screen) {
   connect(screen, &QScreen::geometryChanged, this, &QtScreens::scheduleChanged);
@@ -104,6 +96,22 @@ void QtScreens::scheduleChanged() {
     Q_EMIT changed();
   };
   QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
+}
+
+// On other window systems the stand-in has neither name nor size.
+bool QtScreens::isStandIn(const QScreen& screen) const {
+  return screen.name().isEmpty() || screen.geometry().isEmpty() || (m_x11 && m_x11->isStandIn(screen));
+}
+
+QList<QScreen*> QtScreens::realScreens() const {
+  QList<QScreen*> screens = QGuiApplication::screens();
+  screens.removeIf([this](const QScreen* screen) { return isStandIn(*screen); });
+  return screens;
+}
+
+UpwardCoordinates QtScreens::coordinates() const {
+  const QScreen* main = QGuiApplication::primaryScreen();
+  return UpwardCoordinates(main == nullptr || isStandIn(*main) ? QPoint() : lowerLeft(main->geometry()));
 }
 
 std::vector<ScreenArea> QtScreens::all() const {

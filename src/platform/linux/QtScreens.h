@@ -3,6 +3,7 @@
 #include <QPoint>
 #include <QString>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -11,6 +12,8 @@
 class QScreen;
 
 namespace notlet {
+
+class X11ScreenWatch;
 
 /// How a monitor names itself, and the connector that it is plugged into. Each may be empty.
 struct MonitorName {
@@ -44,6 +47,7 @@ class QtScreens final : public Screens {
 
  public:
   QtScreens();
+  ~QtScreens() override;
 
   [[nodiscard]] std::vector<ScreenArea> all() const override;
   [[nodiscard]] std::optional<ScreenArea> main() const override;
@@ -53,7 +57,12 @@ class QtScreens final : public Screens {
  private:
   void watch(QScreen* screen);
   void scheduleChanged();
+  [[nodiscard]] bool isStandIn(const QScreen& screen) const;
+  [[nodiscard]] QList<QScreen*> realScreens() const;
+  [[nodiscard]] UpwardCoordinates coordinates() const;
 
+  /// None elsewhere.
+  std::unique_ptr<X11ScreenWatch> m_x11;
   bool m_isChangeScheduled = false;
 };
 
