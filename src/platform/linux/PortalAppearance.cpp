@@ -66,6 +66,8 @@ void PortalAppearance::start() {
   m_portalWatcher = std::make_unique<QDBusServiceWatcher>(PortalDesktop::service, bus,
                                                           QDBusServiceWatcher::WatchForRegistration);
   connect(m_portalWatcher.get(), &QDBusServiceWatcher::serviceRegistered, this, &PortalAppearance::read);
+  // Qt knows the types of a slot by name, and only those that somebody has registered.
+  qRegisterMetaType<QDBusVariant>();
   // No service is named: Qt would ask the bus for its owner and wait for the answer.
   bus.connect({}, PortalDesktop::path, settingsInterface, QStringLiteral("SettingChanged"), this,
               SLOT(changeSetting(QString, QString, QDBusVariant)));
@@ -100,9 +102,11 @@ void PortalAppearance::changeSetting(const QString& group, const QString& key, c
 }
 
 void PortalAppearance::update() {
-  if (std::exchange(m_isDark, notlet::isDark(m_settings)) != m_isDark)
+  const bool wasDark = std::exchange(m_isDark, notlet::isDark(m_settings));
+  const bool reducedMotion = std::exchange(m_reducesMotion, notlet::reducesMotion(m_settings));
+  if (m_isDark != wasDark)
     Q_EMIT changed();
-  if (std::exchange(m_reducesMotion, notlet::reducesMotion(m_settings)) != m_reducesMotion)
+  if (m_reducesMotion != reducedMotion)
     Q_EMIT reducesMotionChanged();
 }
 

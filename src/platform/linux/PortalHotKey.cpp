@@ -27,7 +27,7 @@ static const QDBusArgument& operator>>(const QDBusArgument& argument, PortalShor
   argument.beginStructure();
   argument >> shortcut.id >> shortcut.properties;
   argument.endStructure();
-  return argument;
+  return argument; // NOLINT(bugprone-return-const-ref-from-parameter): the form that Qt asks for.
 }
 
 namespace {
@@ -95,8 +95,10 @@ void PortalHotKey::uninstall() {
                                                QStringLiteral("Close")));
 }
 
-// No service is named: Qt would ask the bus for its owner and wait for the answer.
 void PortalHotKey::listen(QDBusConnection& bus) {
+  // Qt knows the types of a slot by name, and only those that somebody has registered.
+  qRegisterMetaType<QDBusObjectPath>();
+  // No service is named: Qt would ask the bus for its owner and wait for the answer.
   bus.connect({}, PortalDesktop::path, shortcutsInterface, activatedSignal, this,
               SLOT(activate(QDBusObjectPath, QString, qulonglong, QVariantMap)));
   bus.connect({}, m_session, sessionInterface, closedSignal, this, SLOT(sessionClosed()));
@@ -111,8 +113,11 @@ void PortalHotKey::stopListening(QDBusConnection& bus) {
 void PortalHotKey::portalChanged(const QString& oldOwner, const QString& newOwner) {
   if (!oldOwner.isEmpty())
     forget();
-  // A portal that our own call starts appears while that call waits.
-  if (!newOwner.isEmpty() && !m_request)
+  if (newOwner.isEmpty())
+    return;
+  // It may be there because our own call has started it; or just too late for that call.
+  m_portalIsNew = m_request != nullptr;
+  if (!m_request)
     createSession();
 }
 
@@ -123,12 +128,19 @@ void PortalHotKey::createSession() {
   connect(m_request.get(), &PortalRequest::granted, this, [this](const QVariantMap& results) {
     bind(pathOf(results.value(QStringLiteral("session_handle"))));
   });
-  connect(m_request.get(), &PortalRequest::refused, this, &PortalHotKey::fail);
+  connect(m_request.get(), &PortalRequest::refused, this, &PortalHotKey::sessionRefused);
   // Some desktops read the shortcuts here, others when they are bound.
   const QVariantMap options = {{QStringLiteral("handle_token"), m_request->token()},
                                {QStringLiteral("session_handle_token"), sessionToken},
                                {QStringLiteral("shortcuts"), shortcuts()}};
   m_request->send(PortalDesktop::call(shortcutsInterface, QStringLiteral("CreateSession")) << options);
+}
+
+void PortalHotKey::sessionRefused() {
+  if (!std::exchange(m_portalIsNew, false))
+    return fail();
+  dropRequest();
+  createSession();
 }
 
 void PortalHotKey::bind(const QString& session) {
@@ -160,6 +172,7 @@ void PortalHotKey::sessionClosed() {
 }
 
 void PortalHotKey::forget() {
+  m_portalIsNew = false;
   m_isInstalled = false;
   dropRequest();
 }

@@ -41,6 +41,7 @@ class PortalHotKey final : public GlobalHotKey {
   void listen(QDBusConnection& bus);
   void stopListening(QDBusConnection& bus);
   void createSession();
+  void sessionRefused();
   void bind(const QString& session);
   void forget();
   void dropRequest();
@@ -51,6 +52,8 @@ class PortalHotKey final : public GlobalHotKey {
   std::unique_ptr<PortalRequest> m_request;
   /// The session's path, known in advance.
   QString m_session;
+  /// A portal has appeared while a session was asked for.
+  bool m_portalIsNew = false;
   bool m_isInstalled = false;
 };
 

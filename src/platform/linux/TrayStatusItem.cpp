@@ -1,6 +1,9 @@
 #include "platform/linux/TrayStatusItem.h"
 
+#include <QGuiApplication>
 #include <QMenu>
+#include <QPixmap>
+#include <QScreen>
 #include <QStandardPaths>
 #include <QSystemTrayIcon>
 #include <chrono>
@@ -14,6 +17,8 @@ namespace {
 
 // From the first service of a starting desktop to its panel.
 constexpr std::chrono::seconds patience{3};
+// From asking for a place in the panel to standing there, or from one look of the panel to another.
+constexpr std::chrono::milliseconds panelDraws{500};
 
 bool isDesktop(const QString& name) {
   return qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(QLatin1Char(':')).contains(name);
@@ -22,7 +27,7 @@ bool isDesktop(const QString& name) {
 /// The name under which the desktop finds the icon in its theme and tints it for its panel; none where it is
 /// not installed, or where symbolic icons are shown as they are.
 QString symbolicName() {
-  const QString name = QStringLiteral("notlet-symbolic");
+  QString name = QStringLiteral("notlet-symbolic");
   const bool tints = isDesktop(QStringLiteral("KDE")) || isDesktop(QStringLiteral("GNOME"));
   const QString file = QStringLiteral("icons/hicolor/symbolic/apps/%1.svg").arg(name);
   if (!tints || QStandardPaths::locate(QStandardPaths::GenericDataLocation, file).isEmpty())
@@ -30,9 +35,22 @@ QString symbolicName() {
   return name;
 }
 
-/// Whether the panel is dark, as far as one can tell: GNOME's always is, others follow the desktop.
+/// Whether the panel is likely to be dark: GNOME's always is, others follow the desktop.
 bool isPanelDark(const Appearance& appearance) {
   return isDesktop(QStringLiteral("GNOME")) || appearance.isDark();
+}
+
+/// Whether the screen is dark at a point; nothing when it cannot be looked at.
+std::optional<bool> isScreenDark(const QPoint& point) {
+  QScreen* screen = QGuiApplication::screenAt(point);
+  if (!screen)
+    return std::nullopt;
+  const QPoint inScreen = point - screen->geometry().topLeft();
+  const QImage image = screen->grabWindow(0, inScreen.x(), inScreen.y(), 1, 1).toImage();
+  if (image.isNull())
+    return std::nullopt;
+  constexpr int middle = 128;
+  return qGray(image.pixel(0, 0)) < middle;
 }
 
 } // namespace
@@ -58,6 +76,10 @@ TrayStatusItem::TrayStatusItem(const Appearance& appearance, BusSource bus, QObj
   connect(&m_notifierHosts, &TrayNotifierHosts::changed, this, &TrayStatusItem::update);
   connect(&m_selection, &TraySelection::changed, this, &TrayStatusItem::update);
   connect(&m_appearance, &Appearance::changed, this, &TrayStatusItem::draw);
+  // A panel may follow the desktop, in its own time.
+  connect(&m_appearance, &Appearance::changed, this, [this] { m_panelDraws.start(panelDraws); });
+  m_panelDraws.setSingleShot(true);
+  connect(&m_panelDraws, &QTimer::timeout, this, &TrayStatusItem::lookAtPanel);
   m_wait.setSingleShot(true);
   connect(&m_wait, &QTimer::timeout, this, [this] {
     m_isWaitOver = true;
@@ -108,9 +130,11 @@ void TrayStatusItem::makeIcon() {
   });
   draw();
   m_icon->show();
+  m_panelDraws.start(panelDraws);
 }
 
 void TrayStatusItem::dropIcon() {
+  m_isPanelDark.reset();
   m_icon.reset();
   m_menu.reset();
 }
@@ -125,9 +149,17 @@ void TrayStatusItem::makeMenu() {
   m_menu->addAction(QStringLiteral("Quit Notlet"), this, &StatusItem::quitChosen);
 }
 
+// The corner of the icon's place shows the panel.
+void TrayStatusItem::lookAtPanel() {
+  const std::optional<QRect> place = area();
+  const std::optional<bool> isDark = place ? isScreenDark(place->topLeft()) : std::nullopt;
+  if (std::exchange(m_isPanelDark, isDark) != isDark)
+    draw();
+}
+
 void TrayStatusItem::draw() {
   if (m_icon)
-    m_icon->setIcon(trayIcon(isPanelDark(m_appearance), symbolicName()));
+    m_icon->setIcon(trayIcon(m_isPanelDark.value_or(isPanelDark(m_appearance)), symbolicName()));
 }
 
 } // namespace notlet

@@ -54,6 +54,7 @@ class TrayStatusItem final : public StatusItem {
   void makeIcon();
   void dropIcon();
   void makeMenu();
+  void lookAtPanel();
   void draw();
 
   const Appearance& m_appearance;
@@ -63,6 +64,9 @@ class TrayStatusItem final : public StatusItem {
   bool m_isWaitOver = false;
   StatusItemRoute m_first = StatusItemRoute::none;
   StatusItemRoute m_route = StatusItemRoute::none;
+  QTimer m_panelDraws;
+  /// What the panel looks like, where that can be seen.
+  std::optional<bool> m_isPanelDark;
   std::unique_ptr<QMenu> m_menu;
   std::unique_ptr<QSystemTrayIcon> m_icon;
 };

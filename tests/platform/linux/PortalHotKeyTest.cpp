@@ -5,6 +5,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include "platform/linux/PortalAppearance.h"
 #include "support/FakePortal.h"
 #include "support/PrivateBus.h"
 
@@ -37,7 +38,30 @@ class PortalHotKeyTest : public testing::Test {
   QSignalSpy failures{&key, &PortalHotKey::failed};
 };
 
+/// Everything is asked for before the process has had anything to do with a portal.
+bool worksInAFreshProcess() {
+  PrivateBus bus;
+  const BusSource source = bus.source();
+  PortalAppearance appearance(source);
+  appearance.start();
+  PortalHotKey key(source);
+  key.install();
+  QSignalSpy presses(&key, &PortalHotKey::pressed);
+  const QDBusConnection desktop = bus.connect();
+  FakePortal portal(desktop);
+  const bool isInstalled = QTest::qWaitFor([&] { return key.isInstalled(); });
+  portal.activate(portal.session, shortcut);
+  portal.changeSetting(QStringLiteral("org.freedesktop.appearance"), QStringLiteral("color-scheme"), 1U);
+  return isInstalled && QTest::qWaitFor([&] { return presses.count() == 1 && appearance.isDark(); });
+}
+
 } // namespace
+
+// Qt's bus library learns types by and by, and refuses to listen for those that it does not know yet.
+TEST(PortalTest, IsHeardFromTheStart) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(std::exit(worksInAFreshProcess() ? 0 : 1), testing::ExitedWithCode(0), "");
+}
 
 // Desktops read the shortcuts in one of two calls, and answer before or after their reply.
 TEST_F(PortalHotKeyTest, IsInstalledWhateverTheOrderOfTheAnswers) {
