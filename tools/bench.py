@@ -20,6 +20,7 @@ import tempfile
 import time
 
 SIZES = (0, 10_000, 100_000, 1_000_000)
+HOT_KEY = "Control+Super_L+j"
 # What is timed in the archive: a title, the steps before it, and the step.
 ARCHIVE = (
     ("the archive appears", "wait,Control+s", "=a"),
@@ -114,7 +115,10 @@ class Windows:
         return {**self.display.environment, "HOME": str(home), "XDG_RUNTIME_DIR": str(runtime)}
 
     def probe(self, name, steps="=x"):
-        title, command, home = self.programs[name]
+        return self.probe_program(self.programs[name], steps)
+
+    def probe_program(self, program, steps):
+        title, command, home = program
         shutil.rmtree(home / ".local/state", ignore_errors=True)  # The typed key would come back as a draft.
         done = subprocess.run([self.build / "bench" / "window_probe", title, steps, *command],
                               env=self.environment(home), stdout=subprocess.PIPE, check=True)
@@ -136,6 +140,28 @@ class Windows:
             keys = statistics.median(key for _, key, _ in pairs)
             print(f"| {name} | {statistics.median(starts):.0f} ms | {min(starts):.0f} ms | {max(starts):.0f} ms "
                   f"| {statistics.median(starts) / floor:.2f} | {keys:.1f} ms |")
+
+    def print_quick_capture(self, runs):
+        print("\n### From the hot key, with another window in front, to a window that is painted and takes typing\n")
+        print("| Program | First time, median | Later, median | Most | Against the empty window | Key to picture, median |")
+        print("|---|---:|---:|---:|---:|---:|")
+        resident = ("Empty window", [str(self.build / "bench" / "resident_window")], self.root)
+        full = self.programs["100,000 notlets"]
+        again = f"{HOT_KEY}>Quick Notlet,Escape,Escape,{HOT_KEY}>Quick Notlet,=x"
+        cases = {
+            "resident empty window": (resident, f"wait,{HOT_KEY}>Resident window,{HOT_KEY},{HOT_KEY}>Resident window,=x"),
+            "popover, 100,000 notlets": (full, f"wait,{again}"),
+            "panel from the bubble, 100,000 notlets": (full, f"wait,click:26:-26,{again}".replace("Escape,Escape", "Escape")),
+        }
+        figures = {name: [] for name in cases}
+        for _ in range(runs):
+            for name, (program, steps) in cases.items():
+                figures[name].append(self.probe_program(program, steps)[1:4])
+        floor = statistics.median(later for _, later, _ in figures["resident empty window"])
+        for name, rows in figures.items():
+            first, later, key = (statistics.median(column) for column in zip(*rows))
+            print(f"| {name} | {first:.1f} ms | {later:.1f} ms | {max(row[1] for row in rows):.1f} ms "
+                  f"| {later / floor:.2f} | {key:.1f} ms |")
 
     def print_archive(self, runs):
         print("\n### In the archive, from a key to the changed list: first and last picture\n")
@@ -217,6 +243,7 @@ def main():
         windows = Windows(build, root)
         try:
             windows.print_times(3 if quick else 15)
+            windows.print_quick_capture(3 if quick else 15)
             windows.print_archive(2 if quick else 5)
             windows.print_resources()
         finally:
