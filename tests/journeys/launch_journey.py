@@ -2,7 +2,9 @@
 import fcntl
 import os
 import random
+import signal
 import socket
+import struct
 import subprocess
 import time
 
@@ -14,9 +16,14 @@ class LaunchJourney(Journey):
     def tearDown(self):
         # The command line starts a program that is nobody's child.
         if self.running():
-            self.desktop.keys("ctrl+q")
-            await_value(lambda: not self.running(), "the program to end")
+            self.end_running()
         super().tearDown()
+
+    def end_running(self):
+        with self.connect() as peer:
+            process = struct.unpack("3i", peer.getsockopt(socket.SOL_SOCKET, socket.SO_PEERCRED, 12))[0]
+        os.kill(process, signal.SIGTERM)
+        await_value(lambda: not self.running(), "the program to end")
 
     def place(self, name):
         return os.path.join(self.desktop.environment["XDG_RUNTIME_DIR"], "notlet", name)
@@ -36,8 +43,8 @@ class LaunchJourney(Journey):
                               env={**self.desktop.environment, **environment}, capture_output=True, text=True)
         return done.returncode, done.stderr
 
-    def await_window(self):
-        await_value(lambda: self.desktop.active_window_name() == "Notlet", "the window")
+    def await_window(self, name="Notlet"):
+        await_value(lambda: self.desktop.active_window_name() == name, f"the window {name}")
 
     def cover(self):
         """Puts another window in front, and gives it."""
@@ -53,30 +60,30 @@ class LaunchJourney(Journey):
 
     def test_every_way_to_start_reaches_the_running_program(self):
         self.open()
-        for start in (lambda: self.assertEqual(self.desktop_program(), (0, "")),
-                      lambda: self.assertEqual(self.desktop_program("notlet:x"), (0, "")),
-                      lambda: self.assertEqual(self.desktop_program("--capture"), (0, "")),
-                      lambda: self.desktop.notlet(),
-                      lambda: self.desktop.notlet("open", "notlet:anything/at?all")):
+        for window, start in (("Notlet", lambda: self.assertEqual(self.desktop_program(), (0, ""))),
+                              ("Notlet", lambda: self.assertEqual(self.desktop_program("notlet:x"), (0, ""))),
+                              ("Quick Notlet", lambda: self.assertEqual(self.desktop_program("--capture"), (0, ""))),
+                              ("Quick Notlet", lambda: self.desktop.notlet("capture")),
+                              ("Notlet", self.desktop.notlet),
+                              ("Notlet", lambda: self.desktop.notlet("open", "notlet:anything/at?all"))):
             other = self.cover()
             start()
-            self.await_window()
+            self.await_window(window)
             self.desktop.end(other)
         self.assertEqual(len(self.desktop.windows("^Notlet$")), 1)
         self.desktop.type("still here")
         self.await_text("still here")
 
     def test_the_command_line_starts_the_program(self):
-        for words in ((), ("capture",), ("open", "notlet:x")):
+        for window, words in (("Notlet", ()), ("Quick Notlet", ("capture",)), ("Notlet", ("open", "notlet:x"))):
             self.assertFalse(self.running())
             self.desktop.notlet(*words)
-            self.await_window()
+            self.await_window(window)
             self.desktop.type("typed at once")
             self.await_text("typed at once")
             self.desktop.keys("Return")
             self.await_text("")
-            self.desktop.keys("ctrl+q")
-            await_value(lambda: not self.running(), "the program to end")
+            self.end_running()
         self.await_stored(*["typed at once"] * 3)
 
     def test_in_the_background_it_waits_for_the_next_start(self):
@@ -115,7 +122,7 @@ class LaunchJourney(Journey):
                 except OSError:
                     pass  # Hung up on in the middle, as is right.
         begun = time.monotonic()
-        self.desktop.notlet("capture")
+        self.desktop.notlet()
         self.assertLess(time.monotonic() - begun, 2)
         for peer in silent:
             peer.close()
