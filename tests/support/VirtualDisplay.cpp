@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <thread>
 
 #include "support/X11Client.h"
 
@@ -49,11 +48,9 @@ void VirtualDisplay::startWindowManager() {
   m_windowManager = std::make_unique<ChildProcess>(std::vector<std::string>{"openbox"});
   const X11Client client(m_name);
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-  while (!client.hasWindowManager()) {
+  while (!client.hasWindowManager())
     if (std::chrono::steady_clock::now() > deadline)
       giveUp("The window manager did not start.");
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
 }
 
 void VirtualDisplay::stopWindowManager() {

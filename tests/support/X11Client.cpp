@@ -3,10 +3,12 @@
 #include <xcb/xtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <span>
+#include <thread>
 
 namespace notlet {
 
@@ -154,10 +156,18 @@ bool X11Client::isShown(xcb_window_t window) const {
   return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
+// A window that is shown while the window manager starts may escape its notice.
 bool X11Client::hasWindowManager() const {
-  const auto window = property(m_root, "_NET_SUPPORTING_WM_CHECK");
-  return !window.empty() && property(window.front(), "_NET_SUPPORTING_WM_CHECK") == window &&
-         !property(m_root, "_NET_CURRENT_DESKTOP").empty();
+  constexpr int tries = 40;
+  const xcb_window_t window = showWindow(0, 0, 1, 1);
+  bool isManaged = false;
+  for (int count = 0; count < tries && !isManaged; ++count) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    isManaged = !property(window, "WM_STATE").empty();
+  }
+  xcb_destroy_window(m_connection, window);
+  sync();
+  return isManaged;
 }
 
 xcb_window_t X11Client::activeWindow() const {

@@ -40,6 +40,7 @@ class X11Client {
   /// Tells the window manager, as toolkits do with each key, that the user is at work in the window.
   void noteUse(xcb_window_t window) const;
   [[nodiscard]] bool isShown(xcb_window_t window) const;
+  /// Whether new windows are looked after.
   [[nodiscard]] bool hasWindowManager() const;
   /// The window that the window manager calls active.
   [[nodiscard]] xcb_window_t activeWindow() const;

@@ -13,7 +13,7 @@ class QtWindowSystem final : public WindowSystem {
 
  public:
   [[nodiscard]] bool hasCompositor() const override { return true; }
-  void activate(WindowID window) override;
+  void activate(WindowID id) override;
   void noteActivationToken(const std::string& token) override;
   void putOnAllWorkspaces(WindowID /*window*/) override {}
   void watchMouse(bool /*watched*/) override {}

@@ -19,7 +19,7 @@ using XkbEvent = xcb_xkb_state_notify_event_t;
 } // namespace
 
 X11HotKey::X11HotKey(X11UserTime& userTime)
-    : m_userTime(userTime), m_connection(X11Connection::ofApplication()) {
+    : m_userTime(userTime), m_connection(X11Connection::ofApplication().value_or(X11Connection{})) {
 }
 
 X11HotKey::~X11HotKey() {
@@ -29,12 +29,12 @@ X11HotKey::~X11HotKey() {
 void X11HotKey::install() {
   if (m_isInstalled)
     return;
-  if (!m_connection) {
+  if (m_connection.handle == nullptr) {
     Q_EMIT failed(Failure::notInstalled);
     return;
   }
   m_isInstalled = true;
-  const auto* xkb = xcb_get_extension_data(m_connection->handle, &xcb_xkb_id);
+  const auto* xkb = xcb_get_extension_data(m_connection.handle, &xcb_xkb_id);
   m_xkbEvent = xkb != nullptr && xkb->present != 0 ? xkb->first_event : -1;
   qApp->installNativeEventFilter(this);
   followLayout();
@@ -45,8 +45,7 @@ void X11HotKey::uninstall() {
     return;
   qApp->removeNativeEventFilter(this);
   release();
-  m_binding.reset();
-  m_isHeld = false;
+  m_askedFor.reset();
 }
 
 // False in any case: Qt then takes the time of the key for the user's last action, which it tells the window
@@ -71,7 +70,7 @@ bool X11HotKey::nativeEventFilter(const QByteArray& type, void* message, qintptr
 
 // A held key may repeat as presses alone or as pairs of a release and a press at the same time.
 void X11HotKey::keyPressed(const xcb_key_press_event_t& event) {
-  if (!m_isGrabbed || event.event != m_connection->root || event.detail != m_binding->key)
+  if (event.event != m_connection.root || event.detail != m_grabbed.key)
     return;
   const xcb_timestamp_t sinceLast = event.time - std::exchange(m_lastEventTime, event.time);
   const bool repeats = m_isHeld ? sinceLast < longestRepeat : sinceLast == 0;
@@ -84,7 +83,7 @@ void X11HotKey::keyPressed(const xcb_key_press_event_t& event) {
 }
 
 void X11HotKey::keyReleased(const xcb_key_release_event_t& event) {
-  if (!m_isGrabbed || event.event != m_connection->root || event.detail != m_binding->key)
+  if (event.event != m_connection.root || event.detail != m_grabbed.key)
     return;
   m_isHeld = false;
   m_lastEventTime = event.time;
@@ -121,30 +120,30 @@ void X11HotKey::scheduleFollowing() {
 }
 
 void X11HotKey::followLayout() {
-  const X11KeyBinding binding = X11KeyBinding::find(*m_connection);
-  if (m_binding == binding)
+  const X11KeyBinding binding = X11KeyBinding::find(m_connection);
+  if (m_askedFor == binding)
     return;
   release();
-  m_binding = binding;
-  m_isHeld = false;
+  m_askedFor = binding;
   const Grab result = grab(binding);
-  m_isGrabbed = result == Grab::obtained;
-  if (!m_isGrabbed)
+  if (result == Grab::obtained)
+    m_grabbed = binding;
+  else
     Q_EMIT failed(result == Grab::taken ? Failure::taken : Failure::notInstalled);
 }
 
 X11HotKey::Grab X11HotKey::grab(const X11KeyBinding& binding) const {
   std::vector<xcb_void_cookie_t> asked;
   for (const std::uint16_t modifiers : binding.modifierCombinations())
-    asked.push_back(xcb_grab_key_checked(m_connection->handle, 0, m_connection->root, modifiers, binding.key,
+    asked.push_back(xcb_grab_key_checked(m_connection.handle, 0, m_connection.root, modifiers, binding.key,
                                          XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
   Grab result = Grab::obtained;
   for (const auto cookie : asked) {
-    const auto error = owned(xcb_request_check(m_connection->handle, cookie));
+    const auto error = owned(xcb_request_check(m_connection.handle, cookie));
     if (error)
       result = error->error_code == XCB_ACCESS ? Grab::taken : Grab::impossible;
   }
-  if (xcb_connection_has_error(m_connection->handle) != 0)
+  if (xcb_connection_has_error(m_connection.handle) != 0)
     return Grab::impossible;
   if (result != Grab::obtained)
     ungrab(binding);
@@ -152,15 +151,16 @@ X11HotKey::Grab X11HotKey::grab(const X11KeyBinding& binding) const {
 }
 
 void X11HotKey::release() {
-  if (std::exchange(m_isGrabbed, false))
-    ungrab(*m_binding);
+  m_isHeld = false;
+  if (const X11KeyBinding grabbed = std::exchange(m_grabbed, {}); grabbed.key != 0)
+    ungrab(grabbed);
 }
 
 /// Giving back what was never obtained does nothing.
 void X11HotKey::ungrab(const X11KeyBinding& binding) const {
   for (const std::uint16_t modifiers : binding.modifierCombinations())
-    xcb_ungrab_key(m_connection->handle, binding.key, m_connection->root, modifiers);
-  xcb_flush(m_connection->handle);
+    xcb_ungrab_key(m_connection.handle, binding.key, m_connection.root, modifiers);
+  xcb_flush(m_connection.handle);
 }
 
 } // namespace notlet

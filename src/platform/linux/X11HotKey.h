@@ -39,13 +39,14 @@ class X11HotKey final : public GlobalHotKey, private QAbstractNativeEventFilter 
   void ungrab(const X11KeyBinding& binding) const;
 
   X11UserTime& m_userTime;
-  std::optional<X11Connection> m_connection;
+  /// Without a handle when there is no X server.
+  X11Connection m_connection;
   int m_xkbEvent = -1;
   bool m_isInstalled = false;
   bool m_isFollowingScheduled = false;
-  /// The binding that was last asked for, whether or not it was obtained.
-  std::optional<X11KeyBinding> m_binding;
-  bool m_isGrabbed = false;
+  std::optional<X11KeyBinding> m_askedFor;
+  /// Without a key when nothing is.
+  X11KeyBinding m_grabbed;
 
   bool m_isHeld = false;
   xcb_timestamp_t m_lastEventTime = 0;

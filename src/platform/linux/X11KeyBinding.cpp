@@ -97,12 +97,11 @@ class Keyboard {
 /// Which of the bits Mod1 to Mod5 a key stands for that has one of the symbols.
 std::uint16_t modifierBits(const Keyboard& keyboard, const xcb_get_modifier_mapping_reply_t& mapping,
                            std::span<const xkb_keysym_t> symbols) {
-  constexpr int firstNamedByKeys = XCB_MAP_INDEX_1;
-  const int width = mapping.keycodes_per_modifier;
-  const xcb_keycode_t* keys = xcb_get_modifier_mapping_keycodes(&mapping);
+  const std::size_t width = mapping.keycodes_per_modifier;
+  const std::span keys(xcb_get_modifier_mapping_keycodes(&mapping), width * (XCB_MAP_INDEX_5 + 1));
   std::uint16_t bits = 0;
-  for (int modifier = firstNamedByKeys; modifier <= XCB_MAP_INDEX_5; ++modifier)
-    for (const xcb_keycode_t key : std::span(keys + modifier * width, static_cast<std::size_t>(width)))
+  for (std::size_t modifier = XCB_MAP_INDEX_1; modifier <= XCB_MAP_INDEX_5; ++modifier)
+    for (const xcb_keycode_t key : keys.subspan(modifier * width, width))
       for (const xkb_keysym_t symbol : symbols)
         if (keyboard.hasSymbol(key, symbol))
           bits = static_cast<std::uint16_t>(bits | 1U << modifier);

@@ -41,7 +41,8 @@ X11WindowSystem::X11WindowSystem(const X11Connection& connection, X11UserTime& u
       m_userTime(userTime),
       m_atoms(atomsOf(connection)),
       m_compositorWatch(connection),
-      m_mouseWatch(connection) {
+      m_mouseWatch(connection),
+      m_managerActivates(X11WindowManager(connection).supports("_NET_ACTIVE_WINDOW")) {
   connect(&m_compositorWatch, &X11CompositorWatch::changed, this, &WindowSystem::compositorChanged);
   connect(&m_mouseWatch, &X11MouseWatch::pressed, this, &WindowSystem::mousePressed);
   qApp->installNativeEventFilter(this);
@@ -52,10 +53,10 @@ X11WindowSystem::~X11WindowSystem() = default;
 X11WindowSystem::Atoms X11WindowSystem::atomsOf(const X11Connection& connection) {
   constexpr auto names = std::to_array<std::string_view>(
       {"_NET_ACTIVE_WINDOW", "_NET_WM_DESKTOP", "_NET_WM_STATE", "_NET_WM_STATE_STICKY",
-       "_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_STATE_ABOVE",
+       "_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_STATE_ABOVE", "_NET_SUPPORTED",
        "_NOTLET_ASKED_FOR_TIME"});
   const auto atoms = connection.atoms(names);
-  return {atoms[0], atoms[1], atoms[2], {atoms[3], atoms[4], atoms[5]}, atoms[6], atoms[7]};
+  return {atoms[0], atoms[1], atoms[2], {atoms[3], atoms[4], atoms[5]}, atoms[6], atoms[7], atoms[8]};
 }
 
 bool X11WindowSystem::hasCompositor() const {
@@ -98,6 +99,9 @@ bool X11WindowSystem::nativeEventFilter(const QByteArray& type, void* message, q
 }
 
 void X11WindowSystem::propertyChanged(const xcb_property_notify_event_t& change) {
+  // Another window manager has come.
+  if (change.window == m_connection.root && change.atom == m_atoms.supported)
+    m_managerActivates.reset();
   if (change.atom == m_atoms.askedForTime && std::erase(m_waitingForTime, change.window) > 0)
     activateAt(change.window, change.time);
 }
@@ -113,7 +117,10 @@ void X11WindowSystem::followFocus() {
 }
 
 void X11WindowSystem::activateAt(xcb_window_t window, xcb_timestamp_t time) {
-  if (X11WindowManager(m_connection).supports("_NET_ACTIVE_WINDOW"))
+  // Asking each time would cost more than all the rest.
+  if (!m_managerActivates)
+    m_managerActivates = X11WindowManager(m_connection).supports("_NET_ACTIVE_WINDOW");
+  if (*m_managerActivates)
     m_connection.sendToWindowManager(window, m_atoms.activeWindow,
                                      {sourceIsApplication, time, focusedWindow(), 0, 0});
   else

@@ -3,6 +3,7 @@
 #include <QAbstractNativeEventFilter>
 #include <QPointer>
 #include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,9 +30,9 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
   [[nodiscard]] bool hasCompositor() const override;
   /// The window gets the keyboard after the window manager has agreed. When nobody noted what time the user
   /// acted at, it is now.
-  void activate(WindowID window) override;
+  void activate(WindowID id) override;
   void noteActivationToken(const std::string& token) override;
-  void putOnAllWorkspaces(WindowID window) override;
+  void putOnAllWorkspaces(WindowID id) override;
   void watchMouse(bool watched) override;
 
  protected:
@@ -44,6 +45,7 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
     xcb_atom_t state;
     std::array<std::uint32_t, 3> stickyStates;
     xcb_atom_t above;
+    xcb_atom_t supported;
     xcb_atom_t askedForTime;
   };
 
@@ -60,6 +62,8 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
   Atoms m_atoms;
   X11CompositorWatch m_compositorWatch;
   X11MouseWatch m_mouseWatch;
+  /// Whether the window manager takes requests to activate windows; unknown when another one has come.
+  std::optional<bool> m_managerActivates;
   std::vector<QPointer<QWindow>> m_onAllWorkspaces;
   /// Windows that are to be activated when the server has told the time.
   std::vector<xcb_window_t> m_waitingForTime;

@@ -37,6 +37,7 @@ class X11WindowSystemTest : public testing::Test {
     other.noteUse(otherWindow);
   }
 
+  X11Marker marker;
   X11Client other{testDisplay().name()};
   xcb_window_t otherWindow = XCB_NONE;
   X11UserTime userTime;
@@ -144,7 +145,7 @@ TEST_F(X11WindowSystemTest, HearsOfPressesInOtherProgramsWhileAsked) {
 
   system->watchMouse(false);
   other.click(250, 230);
-  EXPECT_TRUE(X11Marker().catchUp());
+  EXPECT_TRUE(marker.catchUp());
   EXPECT_EQ(presses.count(), 2);
 }
 
@@ -159,13 +160,20 @@ TEST_F(X11WindowSystemTest, KnowsWhatTheWindowManagerCanDo) {
   expected.keepsWindowsAbove = false;
   expected.showsOnAllWorkspaces = false;
   EXPECT_EQ(windowCapabilities(), expected);
+  ASSERT_TRUE(marker.catchUp());
 
   window.show();
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
   system->activate(window.winId());
   EXPECT_TRUE(QTest::qWaitFor([&] { return window.isActiveWindow(); }));
   window.hide();
+
   testDisplay().startWindowManager();
+  ASSERT_TRUE(marker.catchUp());
+  useOtherProgram();
+  window.show();
+  system->activate(window.winId());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return other.activeWindow() == native(window); }));
 }
 
 } // namespace notlet
