@@ -7,6 +7,7 @@
 #include <QTest>
 #include <QWidget>
 
+#include "platform/linux/X11Keyboard.h"
 #include "platform/linux/X11UserTime.h"
 #include "support/TestDisplay.h"
 #include "support/X11Client.h"
@@ -60,6 +61,21 @@ class X11HotKeyTest : public testing::Test {
         0);
   }
 
+  /// Milliseconds until a held key repeats, and repeats per second; the usual ones when left out.
+  static void setRepetition(const QStringList& rate) {
+    ASSERT_EQ(QProcess::execute(QStringLiteral("xset"),
+                                QStringList{QStringLiteral("r"), QStringLiteral("rate")} + rate),
+              0);
+  }
+
+  static void repeatAsPressesAlone(bool isOn) {
+    constexpr std::uint32_t flag = XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT;
+    const auto connection = X11Connection::ofApplication().value();
+    const auto cookie =
+        xcb_xkb_per_client_flags(connection.handle, XCB_XKB_ID_USE_CORE_KBD, flag, isOn ? flag : 0, 0, 0, 0);
+    ASSERT_TRUE(owned(xcb_xkb_per_client_flags_reply(connection.handle, cookie, nullptr)));
+  }
+
   /// Installs the key after the keyboard's past has gone by.
   void install() {
     EXPECT_TRUE(marker.catchUp());
@@ -110,22 +126,26 @@ TEST_F(X11HotKeyTest, IsHeardWhateverLockIsOn) {
 }
 
 TEST_F(X11HotKeyTest, HoldingTheKeysIsOnePress) {
-  const QString xset = QStringLiteral("xset");
-  QProcess::execute(
-      xset, {QStringLiteral("r"), QStringLiteral("rate"), QStringLiteral("20"), QStringLiteral("200")});
-  install();
-  KeyPressCount repeats(keyJ);
-  for (const xcb_keycode_t key : {control, super, keyJ})
-    user.pressKey(key);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return repeats.count() >= 4; }));
-  // The modifiers stay down.
-  user.releaseKey(keyJ);
-  EXPECT_TRUE(noFurtherPress(1));
-  user.pressKey(keyJ);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return presses.count() == 2; }));
-  for (const xcb_keycode_t key : {keyJ, super, control})
-    user.releaseKey(key);
-  QProcess::execute(xset, {QStringLiteral("r"), QStringLiteral("rate")});
+  setRepetition({QStringLiteral("20"), QStringLiteral("200")});
+  // Repeats come as pairs of release and press, or as presses alone when a program asks for that.
+  for (const bool pressesAlone : {false, true}) {
+    repeatAsPressesAlone(pressesAlone);
+    install();
+    const auto before = presses.count();
+    const KeyPressCount repeats(keyJ);
+    for (const xcb_keycode_t key : {control, super, keyJ})
+      user.pressKey(key);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return repeats.count() >= 4; }));
+    // The modifiers stay down.
+    user.releaseKey(keyJ);
+    EXPECT_TRUE(noFurtherPress(before + 1)) << pressesAlone;
+    user.pressKey(keyJ);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return presses.count() == before + 2; })) << pressesAlone;
+    for (const xcb_keycode_t key : {keyJ, super, control})
+      user.releaseKey(key);
+  }
+  repeatAsPressesAlone(false);
+  setRepetition({});
 }
 
 // Another program may have but one of the combinations.
