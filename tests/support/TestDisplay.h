@@ -4,10 +4,10 @@
 
 namespace notlet {
 
-/// The X server on which this test program runs; main() says once which.
-inline VirtualDisplay& testDisplay(VirtualDisplay* display = nullptr) {
-  static VirtualDisplay* const known = display;
-  return *known;
+/// The X server on which this test program runs; it starts with the first call and ends with the program.
+inline VirtualDisplay& testDisplay() {
+  static VirtualDisplay display;
+  return display;
 }
 
 } // namespace notlet

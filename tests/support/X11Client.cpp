@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <ranges>
 #include <span>
 #include <thread>
 
@@ -59,8 +60,8 @@ void X11Client::releaseKey(xcb_keycode_t key) const {
 void X11Client::typeKeys(const std::vector<xcb_keycode_t>& keys) const {
   for (const xcb_keycode_t key : keys)
     pressKey(key);
-  for (auto key = keys.rbegin(); key != keys.rend(); ++key)
-    releaseKey(*key);
+  for (const xcb_keycode_t key : std::views::reverse(keys))
+    releaseKey(key);
 }
 
 void X11Client::click(std::int16_t x, std::int16_t y, std::uint8_t button) const {

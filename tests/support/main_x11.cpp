@@ -6,9 +6,7 @@
 // These tests ask a real X server with a window manager.
 int main(int argc, char** argv) {
   testing::InitGoogleMock(&argc, argv);
-  notlet::VirtualDisplay display;
-  notlet::testDisplay(&display);
-  display.startWindowManager();
+  notlet::testDisplay().startWindowManager();
   qputenv("QT_QPA_PLATFORM", "xcb");
   qunsetenv("WAYLAND_DISPLAY");
   QApplication application(argc, argv);

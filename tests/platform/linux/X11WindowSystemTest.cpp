@@ -17,7 +17,6 @@ namespace notlet {
 namespace {
 
 using testing::Contains;
-using testing::ElementsAre;
 
 class X11WindowSystemTest : public testing::Test {
  protected:
