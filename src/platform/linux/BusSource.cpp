@@ -12,4 +12,9 @@ QDBusConnection sessionBus() {
   return isThere ? QDBusConnection::sessionBus() : QDBusConnection(QStringLiteral("no session bus"));
 }
 
+void listenForLoss(QDBusConnection bus, QObject* receiver, const char* slot) {
+  bus.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"), QStringLiteral("org.freedesktop.DBus.Local"),
+              QStringLiteral("Disconnected"), receiver, slot);
+}
+
 } // namespace notlet

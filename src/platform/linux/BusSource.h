@@ -12,4 +12,7 @@ using BusSource = std::function<QDBusConnection()>;
 /// The bus of the user's session. Where none runs none is started; the connection is then not connected.
 [[nodiscard]] QDBusConnection sessionBus();
 
+/// Has a slot without arguments called when the bus goes away.
+void listenForLoss(QDBusConnection bus, QObject* receiver, const char* slot);
+
 } // namespace notlet

@@ -101,13 +101,14 @@ void PortalHotKey::listen(QDBusConnection& bus) {
   // No service is named: Qt would ask the bus for its owner and wait for the answer.
   bus.connect({}, PortalDesktop::path, shortcutsInterface, activatedSignal, this,
               SLOT(activate(QDBusObjectPath, QString, qulonglong, QVariantMap)));
-  bus.connect({}, m_session, sessionInterface, closedSignal, this, SLOT(sessionClosed()));
+  bus.connect({}, m_session, sessionInterface, closedSignal, this, SLOT(sessionLost()));
+  listenForLoss(bus, this, SLOT(sessionLost()));
 }
 
 void PortalHotKey::stopListening(QDBusConnection& bus) {
   bus.disconnect({}, PortalDesktop::path, shortcutsInterface, activatedSignal, this,
                  SLOT(activate(QDBusObjectPath, QString, qulonglong, QVariantMap)));
-  bus.disconnect({}, m_session, sessionInterface, closedSignal, this, SLOT(sessionClosed()));
+  bus.disconnect({}, m_session, sessionInterface, closedSignal, this, SLOT(sessionLost()));
 }
 
 void PortalHotKey::portalChanged(const QString& oldOwner, const QString& newOwner) {
@@ -167,8 +168,9 @@ void PortalHotKey::activate(const QDBusObjectPath& session, const QString& short
     Q_EMIT pressed();
 }
 
-void PortalHotKey::sessionClosed() {
-  fail();
+void PortalHotKey::sessionLost() {
+  if (m_watcher)
+    fail();
 }
 
 void PortalHotKey::forget() {

@@ -34,7 +34,7 @@ class PortalHotKey final : public GlobalHotKey {
  private Q_SLOTS:
   void activate(const QDBusObjectPath& session, const QString& shortcut, qulonglong time,
                 const QVariantMap& options);
-  void sessionClosed();
+  void sessionLost();
 
  private:
   void portalChanged(const QString& oldOwner, const QString& newOwner);

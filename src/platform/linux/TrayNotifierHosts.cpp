@@ -34,9 +34,7 @@ void TrayNotifierHosts::start() {
   // No service is named: Qt would ask the bus for its owner and wait for the answer.
   for (const char* name : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
     bus.connect({}, watcherPath, watcherService, QLatin1String(name), this, SLOT(ask()));
-  const QString local = QStringLiteral("org.freedesktop.DBus.Local");
-  bus.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"), local, QStringLiteral("Disconnected"), this,
-              SLOT(busLost()));
+  listenForLoss(bus, this, SLOT(busLost()));
   ask();
 }
 
