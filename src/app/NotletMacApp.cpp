@@ -153,17 +153,18 @@ QWidget* NotletMacApp::makeBubble() {
 
 QWidget* NotletMacApp::makePanelContent() {
   MacFloatingPanelController* controller = m_floatingPanelController.get();
-  return new MacCaptureView(*m_panelCapture.composer,
-                            {.onClose = [controller] { controller->collapseCapture(); },
-                             .onShowMainApp = [controller] { controller->returnToMainApp(); },
-                             .onDragEnded = [controller] { controller->captureDragEnded(); },
-                             .placesWindows = m_desktop.capabilities().placesWindows});
+  auto* view = new MacCaptureView(*m_panelCapture.composer,
+                                  {.onClose = [controller] { controller->collapseCapture(); },
+                                   .onShowMainApp = [controller] { controller->returnToMainApp(); },
+                                   .onDragEnded = [controller] { controller->captureDragEnded(); },
+                                   .placesWindows = m_desktop.capabilities().placesWindows});
+  addQuitKey(view);
+  return view;
 }
 
 void NotletMacApp::connectWindows() {
-  auto* quitKey = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q), m_mainWindow.get());
-  quitKey->setContext(Qt::ApplicationShortcut);
-  connect(quitKey, &QShortcut::activated, this, &NotletMacApp::quit);
+  addQuitKey(m_mainWindow.get());
+  addQuitKey(m_popover.get());
   connect(m_mainWindow.get(), &MainWindow::closeRequested, this, &NotletMacApp::closeMainWindow);
   connect(m_popover.get(), &PopoverWindow::closed, m_delegate.get(),
           [this](PopoverWindow::CloseReason reason) {
@@ -174,6 +175,12 @@ void NotletMacApp::connectWindows() {
   connect(m_delegate.get(), &NotletMacAppDelegate::quitRequested, this, &NotletMacApp::quit);
   connect(m_delegate.get(), &NotletMacAppDelegate::settingsRequested, &m_shortcutSettings,
           &MacShortcutSettings::openConfigFile);
+}
+
+// Each window has its own: the shortcuts of a window that is hidden are not in force.
+void NotletMacApp::addQuitKey(QWidget* widget) {
+  auto* key = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q), widget);
+  connect(key, &QShortcut::activated, this, &NotletMacApp::quit);
 }
 
 void NotletMacApp::connectDesktop() {

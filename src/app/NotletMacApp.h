@@ -72,6 +72,7 @@ class NotletMacApp : public QObject {
   [[nodiscard]] bool isStoreOpen();
 
   void connectWindows();
+  void addQuitKey(QWidget* widget);
   void connectDesktop();
   void connectMessages();
   void configureApplicationIcon();
