@@ -28,7 +28,7 @@ double luminance(QRgb color) {
 }
 
 double contrast(QRgb a, QRgb b) {
-  const auto [low, high] = std::minmax(luminance(a), luminance(b));
+  const auto [low, high] = std::minmax({luminance(a), luminance(b)});
   return (high + 0.05) / (low + 0.05);
 }
 
