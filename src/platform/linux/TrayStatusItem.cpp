@@ -27,7 +27,7 @@ bool isDesktop(const QString& name) {
 /// The name under which the desktop finds the icon in its theme and tints it for its panel; none where it is
 /// not installed, or where symbolic icons are shown as they are.
 QString symbolicName() {
-  QString name = QStringLiteral("notlet-symbolic");
+  QString name = QStringLiteral("org.notlet.Notlet-symbolic");
   const bool tints = isDesktop(QStringLiteral("KDE")) || isDesktop(QStringLiteral("GNOME"));
   const QString file = QStringLiteral("icons/hicolor/symbolic/apps/%1.svg").arg(name);
   if (!tints || QStandardPaths::locate(QStandardPaths::GenericDataLocation, file).isEmpty())

@@ -68,8 +68,8 @@ TEST(TrayIconTest, CanBeSeenOnAnyPanel) {
 }
 
 TEST(TrayIconTest, GivesPicturesOfManySizesOverTheBus) {
-  const QIcon icon = trayIcon(true, QStringLiteral("notlet-symbolic"));
-  EXPECT_EQ(icon.name(), QStringLiteral("notlet-symbolic"));
+  const QIcon icon = trayIcon(true, QStringLiteral("org.notlet.Notlet-symbolic"));
+  EXPECT_EQ(icon.name(), QStringLiteral("org.notlet.Notlet-symbolic"));
   EXPECT_EQ(trayIcon(true).name(), QString());
   EXPECT_TRUE(icon.availableSizes().contains(QSize(22, 22)));
   EXPECT_EQ(icon.pixmap(QSize(22, 22), 2.0).size(), QSize(44, 44));
