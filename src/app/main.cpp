@@ -6,6 +6,7 @@
 #include "app/NotletMacApp.h"
 #include "platform/InstanceSocket.h"
 #include "platform/LaunchRequest.h"
+#include "platform/linux/BusApplication.h"
 #include "platform/linux/SingleInstance.h"
 #include "platform/linux/SuddenExit.h"
 #include "platform/linux/TerminationSignals.h"
@@ -75,7 +76,11 @@ int main(int argc, char** argv) {
   if (!request)
     return report(request.error().message, 2);
   const Places places = Places::fromEnvironment();
-  SingleInstance instance(instanceDirectory(places));
+  const auto directory = instanceDirectory(places);
+  // Without a place for a socket only the bus knows of another Notlet.
+  if (!directory && *request && BusApplication::handOver(**request, std::chrono::seconds(1)))
+    return 0;
+  SingleInstance instance(directory);
   const auto role = instance.start(*request);
   if (!role)
     return report(role.error().message, 1);
