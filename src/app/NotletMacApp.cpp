@@ -215,18 +215,17 @@ void NotletMacApp::launch(const std::optional<LaunchRequest>& request) {
   configureApplicationIcon();
   if (request)
     m_desktop.windowSystem().noteActivationToken(request->activationToken);
-  m_mainWindow->installEventFilter(this);
-  m_popover->installEventFilter(this);
+  qApp->installEventFilter(this);
   m_delegate->applicationDidFinishLaunching(request);
   if (!request)
     startDesktop();
 }
 
-// The tray, the bus and the popover's first layout can wait until there is something to see.
+// The tray, the bus and the popover's first layout can wait until there is something to see. A window that
+// its content covers is not painted itself, but it is exposed.
 bool NotletMacApp::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::Paint) {
-    m_mainWindow->removeEventFilter(this);
-    m_popover->removeEventFilter(this);
+  if (event->type() == QEvent::Expose) {
+    qApp->removeEventFilter(this);
     QMetaObject::invokeMethod(this, &NotletMacApp::startDesktop, Qt::QueuedConnection);
   }
   return QObject::eventFilter(watched, event);
