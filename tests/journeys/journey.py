@@ -1,12 +1,19 @@
 """What all journeys share: a desktop, and for each test a fresh home with the real programs."""
+import contextlib
 import json
 import os
 import sys
+import time
 import unittest
+
+from gi.repository import GLib
 
 from virtual_desktop import VirtualDesktop, await_value
 
 PROGRAMS = sys.argv.pop(1)
+PROPERTIES = "org.freedesktop.DBus.Properties"
+WATCHER = "org.kde.StatusNotifierWatcher"
+ITEM = "org.kde.StatusNotifierItem"
 
 
 class Journey(unittest.TestCase):
@@ -18,6 +25,9 @@ class Journey(unittest.TestCase):
         cls.enterClassContext(cls.desktop)
 
     def setUp(self):
+        # What a test before did to them ends with it.
+        environment = dict(self.desktop.environment)
+        self.addCleanup(self.desktop.environment.update, environment)
         self.desktop.environment["HOME"] = os.path.join(self.desktop.root, self._testMethodName)
         for variable, folder in (("XDG_DATA_HOME", "data"), ("XDG_STATE_HOME", "state")):
             self.desktop.environment[variable] = self.desktop.place(folder)
@@ -32,8 +42,8 @@ class Journey(unittest.TestCase):
         self.program = self.desktop.open_notlet()
         return self.editor()
 
-    def editor(self):
-        return self.desktop.control("text", "Notlet text")
+    def editor(self, window=None):
+        return self.desktop.control("text", "Notlet text", within=window)
 
     def stored(self):
         return [json.loads(line) for line in self.desktop.notlet("list", "--json").splitlines()]
@@ -42,8 +52,95 @@ class Journey(unittest.TestCase):
         await_value(lambda: [entry["content"] for entry in self.stored()] == list(contents),
                     f"the store to hold {contents}")
 
-    def await_text(self, text):
-        await_value(lambda: self.desktop.text(self.editor()) == text, f"the editor to hold {text!r}")
+    def await_text(self, text, window=None):
+        await_value(lambda: self.desktop.text(self.editor(window)) == text, f"the editor to hold {text!r}")
+
+    def await_draft(self, surface, text):
+        await_value(lambda: self.draft(surface) == text, f"the draft of the {surface} to be {text!r}")
+
+    def draft(self, surface):
+        with contextlib.suppress(FileNotFoundError), open(self.desktop.place("state", "notlet", "drafts",
+                                                                             surface + ".txt")) as draft:
+            return draft.read()
+        return ""
+
+    # Windows, the other program, and services of the desktop
+
+    @property
+    def server(self):
+        return self.desktop.server
+
+    def await_keyboard(self, window):
+        await_value(lambda: self.server.keyboard_name() == self.server.active_name() == window,
+                    f"the keyboard to be with {window!r}")
+
+    def await_window(self, name):
+        return await_value(lambda: self.server.window(name), f"the window {name!r}")
+
+    def await_gone(self, name):
+        await_value(lambda: not self.server.window(name), f"the window {name!r} to go")
+
+    def assert_stays(self, holds, seconds=0.4):
+        """What must not happen would have happened within this time."""
+        end = time.monotonic() + seconds
+        while time.monotonic() < end:
+            self.assertTrue(holds())
+            time.sleep(0.02)
+
+    def run_beside(self, script, *arguments):
+        """Starts one of the scripts beside this file for as long as the test lasts."""
+        child = self.desktop.start_script(script, *arguments)
+        self.addCleanup(self.desktop.end, child)
+        return child
+
+    def open_other(self):
+        """Another program, which has the keyboard."""
+        self.run_beside("other_program.py", self.desktop.place("typed"))
+        self.await_keyboard("Other program")
+
+    def click_other(self):
+        self.desktop.click_at(*self.server.middle(self.await_window("Other program")))
+        self.await_keyboard("Other program")
+
+    def typed_elsewhere(self):
+        with open(self.desktop.place("typed")) as typed:
+            return typed.read()
+
+    def await_typed_elsewhere(self, text):
+        await_value(lambda: self.typed_elsewhere() == text, f"the other program to get {text!r}")
+
+    def start_tray(self):
+        """A panel of the older kind; gives its program and the window of Notlet's icon in it."""
+        tray = self.desktop.start(["trayer", "--edge", "top", "--align", "right", "--widthtype", "request", "--height",
+                                   "24", "--SetDockType", "true"])
+        self.addCleanup(self.desktop.end, tray)
+        return tray
+
+    def await_icon(self):
+        """The window of Notlet's icon in the tray, once it has its place."""
+        def icon():
+            panel = self.server.window("panel")
+            icons = self.server.windows("Notlet", panel) if panel else []
+            return icons[0] if icons and self.server.frame(icons[0])[2] > 1 else None
+        return await_value(icon, "the icon in the tray")
+
+    # The tray to which icons are described
+
+    def items(self):
+        try:
+            return self.desktop.call(WATCHER, "/StatusNotifierWatcher", PROPERTIES, "Get",
+                                     GLib.Variant("(ss)", (WATCHER, "RegisteredStatusNotifierItems")))[0]
+        except GLib.Error:  # Not there yet.
+            return []
+
+    def await_item(self):
+        """Bus name of the one icon that the panel shows."""
+        service = await_value(self.items, "the icon")[0]
+        self.assertEqual(len(self.items()), 1)
+        return service
+
+    def activate(self, service):
+        self.desktop.call(service, "/StatusNotifierItem", ITEM, "Activate", GLib.Variant("(ii)", (100, 10)))
 
 
 def main():

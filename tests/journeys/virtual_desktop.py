@@ -7,13 +7,16 @@ import os
 import shutil
 import signal
 import subprocess
+import sys
 import tempfile
 import time
 
 import gi
 
 gi.require_version("Atspi", "2.0")
-from gi.repository import Atspi  # noqa: E402
+from gi.repository import Atspi, Gio, GLib  # noqa: E402
+
+from x_server import XServer  # noqa: E402
 
 
 class Timeout(AssertionError):
@@ -38,6 +41,8 @@ class VirtualDesktop:
         self.size = size
         self.children = []
         self.pipes = []
+        self.servers = {}
+        self.connections = {}
         self.root = tempfile.mkdtemp(prefix="notlet-journey-")
         home = os.path.join(self.root, "home")
         self.environment = {
@@ -70,25 +75,34 @@ class VirtualDesktop:
         self.close()
 
     def _start(self):
-        reader, writer = os.pipe()
-        self.start(["Xvfb", "-displayfd", str(writer), "-screen", "0", self.size + "x24", "-nolisten", "tcp",
-                    "-noreset", "-dpi", "96"], pass_fds=(writer,))
-        os.close(writer)
-        with os.fdopen(reader) as numbers:
-            self.environment["DISPLAY"] = ":" + numbers.readline().strip()
-        bus = self.start(["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"],
-                         stdout=subprocess.PIPE)
-        self.pipes.append(bus.stdout)
-        self.environment["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().decode().strip()
-        self.start(["openbox"])
-        await_value(lambda: "window id" in self.output("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"),
-                    "the window manager")
+        self.start_display()
+        self.start_bus()
         self.start(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"])
         await_value(lambda: "unix:" in self.output(
             "gdbus", "call", "--session", "--dest", "org.a11y.Bus", "--object-path", "/org/a11y/bus",
             "--method", "org.a11y.Bus.GetAddress"), "the assistive-technology bus")
         os.environ.update(self.environment)  # The assistive-technology library reads them in this process.
         Atspi.init()
+
+    def start_display(self):
+        """Starts an X server with a window manager, on which everything is from now on. Gives the server."""
+        reader, writer = os.pipe()
+        server = self.start(["Xvfb", "-displayfd", str(writer), "-screen", "0", self.size + "x24", "-nolisten", "tcp",
+                             "-noreset", "-dpi", "96"], pass_fds=(writer,))
+        os.close(writer)
+        with os.fdopen(reader) as numbers:
+            self.environment["DISPLAY"] = ":" + numbers.readline().strip()
+        self.start(["openbox"])
+        await_value(lambda: self.server.property(self.server.root, "_NET_SUPPORTING_WM_CHECK"), "the window manager")
+        return server
+
+    def start_bus(self):
+        """Starts a session bus, which everything uses from now on. Gives it."""
+        bus = self.start(["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"],
+                         stdout=subprocess.PIPE)
+        self.pipes.append(bus.stdout)
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().decode().strip()
+        return bus
 
     def close(self):
         for child in reversed(self.children):
@@ -115,6 +129,36 @@ class VirtualDesktop:
             child.kill()
             child.wait()
             raise
+
+    def start_script(self, name, *arguments):
+        """Starts a program that stands beside this file, with the interpreter that runs this one."""
+        script = os.path.join(os.path.dirname(os.path.abspath(__file__)), name)
+        return self.start([sys.executable, script, *arguments])
+
+    @property
+    def server(self):
+        name = self.environment["DISPLAY"]
+        if name not in self.servers:
+            self.servers[name] = XServer(name)
+        return self.servers[name]
+
+    def call(self, service, path, interface, method, arguments=None):
+        """The answer to a call over the session bus, as plain values."""
+        address = self.environment["DBUS_SESSION_BUS_ADDRESS"]
+        if address not in self.connections:
+            self.connections[address] = Gio.DBusConnection.new_for_address_sync(
+                address, Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION)
+        return self.connections[address].call_sync(service, path, interface, method, arguments, None,
+                                                   Gio.DBusCallFlags.NO_AUTO_START, 5000).unpack()
+
+    def provider(self, service):
+        """Number of the process that has the name on the session bus; None without one."""
+        bus = "org.freedesktop.DBus"
+        try:
+            return self.call(bus, "/org/freedesktop/DBus", bus, "GetConnectionUnixProcessID",
+                             GLib.Variant("(s)", (service,)))[0]
+        except GLib.Error:
+            return None
 
     def log(self):
         with open(os.path.join(self.root, "log"), errors="replace") as log:
@@ -154,10 +198,19 @@ class VirtualDesktop:
 
     def click(self, control):
         x, y, width, height = self.extents(control)
-        self.output("xdotool", "mousemove", str(x + width // 2), str(y + height // 2), "click", "1")
+        self.click_at(x + width // 2, y + height // 2)
+
+    def click_at(self, x, y, button=1):
+        self.output("xdotool", "mousemove", str(x), str(y), "click", str(button))
+
+    def drag(self, start, end):
+        between = [(start[0] + (end[0] - start[0]) * step // 5, start[1] + (end[1] - start[1]) * step // 5)
+                   for step in range(1, 6)]
+        moves = [word for x, y in between for word in ("mousemove", str(x), str(y))]
+        self.output("xdotool", "mousemove", str(start[0]), str(start[1]), "mousedown", "1", *moves, "mouseup", "1")
 
     def active_window_name(self):
-        return self.output("xdotool", "getactivewindow", "getwindowname").strip()
+        return self.server.active_name()
 
     def windows(self, name):
         found = self.output("xdotool", "search", "--onlyvisible", "--name", name).split()
@@ -165,24 +218,32 @@ class VirtualDesktop:
 
     # Controls, as assistive technology sees them
 
-    def controls(self, role=None, name=None, text=None):
-        """The controls on screen with this role, name and text; each may be left open."""
-        return [control for control in self._walk(Atspi.get_desktop(0))
-                if self._fits(control, role, name, text)]
+    def controls(self, role=None, name=None, text=None, within=None):
+        """The controls on screen with this role, name and text, in the window named; each may be left open."""
+        start = [Atspi.get_desktop(0)] if within is None else self._windows(within)
+        return [control for node in start for control in self._walk(node) if self._fits(control, role, name, text)]
 
-    def control(self, role=None, name=None, text=None, timeout=15.0):
-        return await_value(lambda: next(iter(self.controls(role, name, text)), None),
-                           f"a control with role {role!r}, name {name!r}, text {text!r}", timeout)
+    def control(self, role=None, name=None, text=None, within=None, timeout=15.0):
+        return await_value(lambda: next(iter(self.controls(role, name, text, within)), None),
+                           f"a control with role {role!r}, name {name!r}, text {text!r} in {within!r}", timeout)
+
+    def _windows(self, name):
+        applications = self._children(Atspi.get_desktop(0))
+        return [window for application in applications for window in self._children(application)
+                if self._fits(window, None, name, None)]
 
     def _walk(self, node):
+        for child in self._children(node):
+            yield child
+            yield from self._walk(child)
+
+    @staticmethod
+    def _children(node):
         try:
             children = [node.get_child_at_index(index) for index in range(node.get_child_count())]
-        except gi.repository.GLib.Error:  # It went while we looked.
-            return
-        for child in children:
-            if child is not None:
-                yield child
-                yield from self._walk(child)
+        except GLib.Error:  # It went while we looked.
+            return []
+        return [child for child in children if child is not None]
 
     def _fits(self, control, role, name, text):
         try:
@@ -190,7 +251,7 @@ class VirtualDesktop:
                     and (name is None or control.get_name() == name)
                     and (text is None or self.text(control) == text)
                     and control.get_state_set().contains(Atspi.StateType.SHOWING))
-        except gi.repository.GLib.Error:
+        except GLib.Error:
             return False
 
     @staticmethod

@@ -1,0 +1,276 @@
+"""The quick capture from any program: hot key, both kinds of tray, none at all, and closing the main window."""
+import os
+import signal
+
+from gi.repository import GLib
+from Xlib import XK, X
+
+from journey import ITEM, PROGRAMS, PROPERTIES, Journey, main
+from virtual_desktop import await_value
+from x_server import XServer
+
+POPOVER = "Quick Notlet"
+HOT_KEY = "ctrl+super+j"
+TAKEN = "Control-Command-J is already registered by another app."
+MENU = "com.canonical.dbusmenu"
+MENU_ENTRIES = ("Quick Notlet", "Open Notlet", "Settings…", "Quit Notlet")
+UPPER_RIGHT = (892, 8, 380, 260)
+
+
+class PopoverJourney(Journey):
+    def start(self):
+        """Runs the program without its window."""
+        self.program = self.desktop.start([os.path.join(PROGRAMS, "notlet-desktop"), "--background"])
+        await_value(lambda: self.desktop.provider("org.notlet.Notlet") == self.program.pid, "the program")
+
+    def open_popover(self):
+        self.desktop.keys(HOT_KEY)
+        self.await_keyboard(POPOVER)
+
+    def take_hot_key(self):
+        """Another program has the key combination."""
+        robber = XServer(self.desktop.environment["DISPLAY"])
+        self.addCleanup(robber.close)
+        robber.grab(XK.XK_j, X.ControlMask | X.Mod4Mask)
+
+    def escape(self):
+        # The first leaves the editor.
+        self.desktop.keys("Escape", "Escape")
+        self.await_gone(POPOVER)
+
+    def frame(self):
+        return self.server.frame(self.await_window(POPOVER))
+
+    # From another program and back
+
+    def test_it_takes_the_keyboard_and_gives_it_back(self):
+        self.open()
+        self.open_other()
+        self.open_popover()
+        self.desktop.type("Buy milk")
+        self.await_text("Buy milk", POPOVER)
+        self.desktop.keys("Return")
+        self.await_stored("Buy milk")
+        self.await_text("", POPOVER)
+        self.desktop.type("stays open")
+        self.await_text("stays open", POPOVER)
+        self.click_other()
+        self.await_gone(POPOVER)
+        self.desktop.type("elsewhere")
+        self.await_typed_elsewhere("elsewhere")
+
+    def test_the_keys_that_close_it_give_the_keyboard_back(self):
+        self.open_other()
+        self.start()
+        for close in (self.escape,
+                      lambda: self.desktop.click(self.desktop.control("push button", "Close Quick Notlet"))):
+            self.open_popover()
+            close()
+            self.await_gone(POPOVER)
+            self.await_keyboard("Other program")
+        self.desktop.type("mine")
+        self.await_typed_elsewhere("mine")
+
+    def test_the_hot_key_again_returns_to_the_editor(self):
+        self.open_other()
+        self.start()
+        self.open_popover()
+        self.desktop.type("one")
+        self.desktop.keys("Tab")
+        await_value(lambda: not self.desktop.has_state(self.editor(POPOVER), "FOCUSED"), "another control to be chosen")
+        self.desktop.keys(HOT_KEY)
+        await_value(lambda: self.desktop.has_state(self.editor(POPOVER), "FOCUSED"), "the editor to be chosen")
+        self.desktop.type(" two")
+        self.await_text("one two", POPOVER)
+
+    def test_its_draft_survives_closing_and_a_kill(self):
+        self.open_other()
+        self.start()
+        self.open_popover()
+        self.desktop.type("half a sen")
+        self.click_other()
+        self.await_gone(POPOVER)
+        self.open_popover()
+        self.await_text("half a sen", POPOVER)
+        self.await_draft("popover", "half a sen")
+        self.desktop.end(self.program, signal.SIGKILL)
+        self.start()
+        self.open_popover()
+        self.desktop.type("tence")
+        self.desktop.keys("Return")
+        self.await_stored("half a sentence")
+
+    # The tray in which icons are windows
+
+    def test_the_icon_in_the_tray_toggles_it(self):
+        self.start_tray()
+        self.open_other()
+        self.start()
+        icon = self.server.frame(self.await_icon())
+        middle = icon[0] + icon[2] // 2, icon[1] + icon[3] // 2
+        for _ in range(2):
+            self.desktop.click_at(*middle)
+            self.await_keyboard(POPOVER)
+            left, top, width, _ = self.frame()
+            self.assertEqual(top, icon[1] + icon[3] + 6)
+            self.assertEqual(left + width, 1280 - 8)
+            self.desktop.type("x")
+            self.desktop.click_at(*middle)
+            self.await_gone(POPOVER)
+            self.assert_stays(lambda: not self.server.window(POPOVER))
+            self.await_keyboard("Other program")
+        self.await_draft("popover", "xx")
+
+    def test_the_icons_menu(self):
+        self.start_tray()
+        self.open_other()
+        self.start()
+        self.choose("Quick Notlet")
+        self.await_keyboard(POPOVER)
+        self.desktop.type("kept")
+        self.await_text("kept", POPOVER)
+        self.choose("Open Notlet")
+        self.await_keyboard("Notlet")
+        self.choose("Quit Notlet")
+        self.assertEqual(self.program.wait(10), 0)
+        self.assertEqual(self.draft("popover"), "kept")
+
+    def choose(self, entry):
+        """By keyboard, as assistive technology does not see the menu."""
+        number = MENU_ENTRIES.index(entry)
+        left, top, _, height = self.server.frame(self.await_icon())
+        before = len(self.server.windows("Notlet"))
+        # At a place of its own, or two choices soon after each other are a double click.
+        self.desktop.click_at(left + 1 + 6 * number, top + height // 2, button=3)
+        await_value(lambda: len(self.server.windows("Notlet")) > before, "the menu")
+        self.desktop.keys(*["Down"] * (number + 1), "Return")
+
+    def test_trays_come_and_go(self):
+        self.open_other()
+        self.start()
+        for _ in range(2):
+            self.open_popover()
+            self.assertEqual(self.frame(), UPPER_RIGHT)
+            self.click_other()
+            tray = self.start_tray()
+            icon = self.server.frame(self.await_icon())
+            self.open_popover()
+            self.assertEqual(self.frame()[1], icon[1] + icon[3] + 6)
+            self.escape()
+            self.desktop.end(tray)
+            await_value(lambda: not self.server.has_owner("_NET_SYSTEM_TRAY_S0"), "the tray to go")
+
+    # The tray to which icons are described
+
+    def choose_described(self, service, entry):
+        path = self.desktop.call(service, "/StatusNotifierItem", PROPERTIES, "Get",
+                                 GLib.Variant("(ss)", (ITEM, "Menu")))[0]
+        _, (_, _, entries) = self.desktop.call(service, path, MENU, "GetLayout",
+                                               GLib.Variant("(iias)", (0, -1, ["label"])))
+        labels = {attributes["label"].replace("_", ""): number for number, attributes, _ in entries
+                  if "label" in attributes}
+        self.assertEqual(tuple(labels), MENU_ENTRIES)
+        number = labels[entry]
+        self.desktop.call(service, path, MENU, "Event",
+                          GLib.Variant("(isvu)", (number, "clicked", GLib.Variant("i", 0), 0)))
+
+    def test_a_described_icon_toggles_it(self):
+        self.run_beside("notifier_host.py")
+        self.open_other()
+        self.start()
+        service = self.await_item()
+        self.activate(service)
+        self.await_keyboard(POPOVER)
+        self.desktop.type("kept")
+        self.activate(service)
+        self.await_gone(POPOVER)
+        self.await_keyboard("Other program")
+        self.activate(service)
+        self.await_keyboard(POPOVER)
+        # The panel tells of the click after the program has seen it itself.
+        self.desktop.click_at(700, 750)
+        self.activate(service)
+        self.await_gone(POPOVER)
+        self.assert_stays(lambda: not self.server.window(POPOVER))
+        self.choose_described(service, "Quick Notlet")
+        self.await_keyboard(POPOVER)
+        self.choose_described(service, "Quit Notlet")
+        self.assertEqual(self.program.wait(10), 0)
+        self.assertEqual(self.draft("popover"), "kept")
+
+    def test_described_trays_come_and_go(self):
+        self.start()
+        for _ in range(2):
+            host = self.run_beside("notifier_host.py")
+            self.activate(self.await_item())
+            self.await_keyboard(POPOVER)
+            self.escape()
+            self.desktop.end(host)
+
+    # Without the hot key, and without the main window
+
+    def test_a_hot_key_that_is_taken_is_named(self):
+        self.take_hot_key()
+        self.open()
+        self.desktop.control("label", TAKEN)
+        self.desktop.type("goes on")
+        self.await_text("goes on")
+
+    def close_main_window(self):
+        self.await_keyboard("Notlet")
+        self.desktop.keys("alt+F4")
+
+    def test_a_closed_window_leaves_the_program_and_a_notification(self):
+        shown = self.desktop.place("shown")
+        self.run_beside("notification_service.py", shown)
+        await_value(lambda: self.desktop.provider("org.freedesktop.Notifications"), "the service")
+        self.open()
+        self.close_main_window()
+        self.await_gone("Notlet")
+        await_value(lambda: os.path.exists(shown), "the notification")
+        self.open_popover()
+        self.escape()
+        self.desktop.notlet()
+        self.close_main_window()
+        self.await_gone("Notlet")
+        self.open_popover()
+        with open(shown) as texts:
+            self.assertEqual(texts.read(), "Notlet keeps running. To write a notlet, press Control+Super+J. To end it, "
+                                           "start Notlet again and press Control+Q in its window.\n")
+
+    def test_a_closed_window_says_so_itself_without_notifications(self):
+        self.open()
+        self.close_main_window()
+        await_value(lambda: any(label.get_name().startswith("Notlet keeps running.")
+                                for label in self.desktop.controls("label")), "the notice")
+        self.close_main_window()
+        self.await_gone("Notlet")
+        self.assertIsNone(self.program.poll())
+        self.open_popover()
+
+    def test_a_window_that_nothing_brings_back_ends_the_program(self):
+        self.take_hot_key()
+        self.open()
+        self.desktop.control("label", TAKEN)
+        self.desktop.type("kept")
+        self.await_text("kept")
+        self.close_main_window()
+        self.assertEqual(self.program.wait(10), 0)
+        self.assertEqual(self.draft("main-window"), "kept")
+
+    def test_a_tray_that_goes_brings_the_window_back(self):
+        self.take_hot_key()
+        tray = self.start_tray()
+        self.open()
+        self.await_icon()
+        self.close_main_window()
+        self.close_main_window()  # The first time it says that it goes on.
+        # The icon has the same title, but only the window is the window manager's.
+        await_value(lambda: "Notlet" not in self.server.stacking(), "the window to go")
+        self.desktop.end(tray)
+        await_value(lambda: "Notlet" in self.server.stacking(), "the window to come back")
+        self.assertIsNone(self.program.poll())
+
+
+if __name__ == "__main__":
+    main()
