@@ -11,6 +11,9 @@ from gi.repository import GLib
 from virtual_desktop import VirtualDesktop, await_value
 
 PROGRAMS = sys.argv.pop(1)
+HOT_KEY = "ctrl+super+j"
+POPOVER = PANEL = "Quick Notlet"
+BUBBLE = "Notlet Bubble"
 PROPERTIES = "org.freedesktop.DBus.Properties"
 WATCHER = "org.kde.StatusNotifierWatcher"
 ITEM = "org.kde.StatusNotifierItem"
@@ -26,8 +29,8 @@ class Journey(unittest.TestCase):
 
     def setUp(self):
         # What a test before did to them ends with it.
-        environment = dict(self.desktop.environment)
-        self.addCleanup(self.desktop.environment.update, environment)
+        self.environment = dict(self.desktop.environment)
+        self.addCleanup(self.desktop.environment.update, self.environment)
         self.desktop.environment["HOME"] = os.path.join(self.desktop.root, self._testMethodName)
         for variable, folder in (("XDG_DATA_HOME", "data"), ("XDG_STATE_HOME", "state")):
             self.desktop.environment[variable] = self.desktop.place(folder)
@@ -41,6 +44,20 @@ class Journey(unittest.TestCase):
     def open(self):
         self.program = self.desktop.open_notlet()
         return self.editor()
+
+    def start_in_background(self):
+        """Starts the program without its window."""
+        self.program = self.desktop.start([os.path.join(PROGRAMS, "notlet-desktop"), "--background"])
+        await_value(lambda: self.desktop.provider("org.notlet.Notlet") == self.program.pid, "the program")
+
+    def open_popover(self):
+        self.desktop.keys(HOT_KEY)
+        self.await_keyboard(POPOVER)
+
+    def enter_bubble_mode(self):
+        self.desktop.press(self.desktop.control("push button", "Switch to Bubble Mode", within="Notlet"))
+        self.await_window(BUBBLE)
+        self.await_gone("Notlet")
 
     def editor(self, window=None):
         return self.desktop.control("text", "Notlet text", within=window)
@@ -123,6 +140,16 @@ class Journey(unittest.TestCase):
             icons = self.server.windows("Notlet", panel) if panel else []
             return icons[0] if icons and self.server.frame(icons[0])[2] > 1 else None
         return await_value(icon, "the icon in the tray")
+
+    def start_compositor(self):
+        compositor = self.desktop.start(["xcompmgr"])
+        self.addCleanup(self.desktop.end, compositor)
+        return compositor
+
+    def await_cut(self, name, depth, is_cut):
+        """The pixel that lies so far from the upper left corner on the diagonal is cut off, or is not."""
+        await_value(lambda: self.server.covers(self.await_window(name), depth, depth) != is_cut,
+                    f"the corner of {name} to be {'cut' if is_cut else 'whole'}")
 
     # The tray to which icons are described
 

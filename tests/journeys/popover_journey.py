@@ -5,12 +5,10 @@ import signal
 from gi.repository import GLib
 from Xlib import XK, X
 
-from journey import ITEM, PROGRAMS, PROPERTIES, Journey, main
+from journey import HOT_KEY, ITEM, POPOVER, PROPERTIES, Journey, main
 from virtual_desktop import await_value
 from x_server import XServer
 
-POPOVER = "Quick Notlet"
-HOT_KEY = "ctrl+super+j"
 TAKEN = "Control-Command-J is already registered by another app."
 MENU = "com.canonical.dbusmenu"
 MENU_ENTRIES = ("Quick Notlet", "Open Notlet", "Settings…", "Quit Notlet")
@@ -18,15 +16,6 @@ UPPER_RIGHT = (892, 8, 380, 260)
 
 
 class PopoverJourney(Journey):
-    def start(self):
-        """Runs the program without its window."""
-        self.program = self.desktop.start([os.path.join(PROGRAMS, "notlet-desktop"), "--background"])
-        await_value(lambda: self.desktop.provider("org.notlet.Notlet") == self.program.pid, "the program")
-
-    def open_popover(self):
-        self.desktop.keys(HOT_KEY)
-        self.await_keyboard(POPOVER)
-
     def take_hot_key(self):
         """Another program has the key combination."""
         robber = XServer(self.desktop.environment["DISPLAY"])
@@ -61,10 +50,12 @@ class PopoverJourney(Journey):
 
     def test_the_keys_that_close_it_give_the_keyboard_back(self):
         self.open_other()
-        self.start()
-        for close in (self.escape,
-                      lambda: self.desktop.click(self.desktop.control("push button", "Close Quick Notlet"))):
+        self.start_in_background()
+        click_close = lambda: self.desktop.click(self.desktop.control("push button", "Close Quick Notlet"))
+        for count, close in enumerate((self.escape, click_close, self.escape), 1):
             self.open_popover()
+            self.desktop.type("x")
+            self.await_text("x" * count, POPOVER)
             close()
             self.await_gone(POPOVER)
             self.await_keyboard("Other program")
@@ -73,7 +64,7 @@ class PopoverJourney(Journey):
 
     def test_the_hot_key_again_returns_to_the_editor(self):
         self.open_other()
-        self.start()
+        self.start_in_background()
         self.open_popover()
         self.desktop.type("one")
         self.desktop.keys("Tab")
@@ -85,7 +76,7 @@ class PopoverJourney(Journey):
 
     def test_its_draft_survives_closing_and_a_kill(self):
         self.open_other()
-        self.start()
+        self.start_in_background()
         self.open_popover()
         self.desktop.type("half a sen")
         self.click_other()
@@ -94,18 +85,43 @@ class PopoverJourney(Journey):
         self.await_text("half a sen", POPOVER)
         self.await_draft("popover", "half a sen")
         self.desktop.end(self.program, signal.SIGKILL)
-        self.start()
+        self.start_in_background()
         self.open_popover()
         self.desktop.type("tence")
         self.desktop.keys("Return")
         self.await_stored("half a sentence")
+
+    def test_it_stays_for_a_message_of_its_own(self):
+        self.open_other()
+        self.start_in_background()
+        self.desktop.notlet("add", "first")
+        store = self.desktop.place("data", "notlet", "Notlet.store")
+        self.open_popover()
+        self.desktop.type("precious")
+        self.await_text("precious", POPOVER)
+        os.rename(store, store + ".away")
+        self.desktop.keys("Return")
+        self.desktop.control("label", "Your draft is still here. Please try again.")
+        os.rename(store + ".away", store)
+        self.desktop.keys("Return")
+        self.await_keyboard(POPOVER)
+        self.desktop.keys("Return")
+        self.await_stored("precious", "first")
+
+    def test_its_corners_follow_the_compositor(self):
+        self.start_in_background()
+        compositor = self.start_compositor()
+        self.open_popover()
+        self.await_cut(POPOVER, 7, False)
+        self.desktop.end(compositor)
+        self.await_cut(POPOVER, 7, True)
 
     # The tray in which icons are windows
 
     def test_the_icon_in_the_tray_toggles_it(self):
         self.start_tray()
         self.open_other()
-        self.start()
+        self.start_in_background()
         icon = self.server.frame(self.await_icon())
         middle = icon[0] + icon[2] // 2, icon[1] + icon[3] // 2
         for _ in range(2):
@@ -124,7 +140,7 @@ class PopoverJourney(Journey):
     def test_the_icons_menu(self):
         self.start_tray()
         self.open_other()
-        self.start()
+        self.start_in_background()
         self.choose("Quick Notlet")
         self.await_keyboard(POPOVER)
         self.desktop.type("kept")
@@ -147,7 +163,7 @@ class PopoverJourney(Journey):
 
     def test_trays_come_and_go(self):
         self.open_other()
-        self.start()
+        self.start_in_background()
         for _ in range(2):
             self.open_popover()
             self.assertEqual(self.frame(), UPPER_RIGHT)
@@ -177,7 +193,7 @@ class PopoverJourney(Journey):
     def test_a_described_icon_toggles_it(self):
         self.run_beside("notifier_host.py")
         self.open_other()
-        self.start()
+        self.start_in_background()
         service = self.await_item()
         self.activate(service)
         self.await_keyboard(POPOVER)
@@ -199,7 +215,7 @@ class PopoverJourney(Journey):
         self.assertEqual(self.draft("popover"), "kept")
 
     def test_described_trays_come_and_go(self):
-        self.start()
+        self.start_in_background()
         for _ in range(2):
             host = self.run_beside("notifier_host.py")
             self.activate(self.await_item())
