@@ -43,7 +43,7 @@ class LaunchJourney(Journey):
                               env={**self.desktop.environment, **environment}, capture_output=True, text=True)
         return done.returncode, done.stderr
 
-    def await_window(self, name="Notlet"):
+    def await_active(self, name="Notlet"):
         await_value(lambda: self.desktop.active_window_name() == name, f"the window {name}")
 
     def cover(self):
@@ -68,7 +68,7 @@ class LaunchJourney(Journey):
                               ("Notlet", lambda: self.desktop.notlet("open", "notlet:anything/at?all"))):
             other = self.cover()
             start()
-            self.await_window(window)
+            self.await_active(window)
             self.desktop.end(other)
         self.assertEqual(len(self.desktop.windows("^Notlet$")), 1)
         self.desktop.type("still here")
@@ -78,7 +78,7 @@ class LaunchJourney(Journey):
         for window, words in (("Notlet", ()), ("Quick Notlet", ("capture",)), ("Notlet", ("open", "notlet:x"))):
             self.assertFalse(self.running())
             self.desktop.notlet(*words)
-            self.await_window(window)
+            self.await_active(window)
             self.desktop.type("typed at once")
             self.await_text("typed at once")
             self.desktop.keys("Return")
@@ -96,7 +96,7 @@ class LaunchJourney(Journey):
         self.assertEqual(self.desktop_program("--background"), (0, ""))
         self.assertEqual(self.desktop.windows("^Notlet$"), [])
         self.desktop.notlet()
-        self.await_window()
+        self.await_active()
 
     def test_a_wrong_option_is_named(self):
         for arguments, complaint in ((("--nonsense",), "nonsense"), (("--capture=x",), "capture"),
