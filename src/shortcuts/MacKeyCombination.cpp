@@ -63,8 +63,8 @@ std::string macKeyName(std::uint16_t keyCode, std::optional<std::string_view> ch
   return lowercased(characters.value_or(""));
 }
 
-std::optional<MacKeyCombination> MacKeyCombination::parse(std::string_view specification) {
-  const std::string text = lowercased(specification);
+std::optional<MacKeyCombination> MacKeyCombination::parse(std::string_view notation) {
+  const std::string text = lowercased(notation);
   std::vector<std::string_view> words = pieces(text);
   if (words.empty())
     return std::nullopt;

@@ -22,7 +22,7 @@ struct MacKeyCombination {
 
   /// Reads modifier words and a key, joined by "+"; letter case and white space do not count. Nothing when no
   /// key is named or a modifier word is unknown.
-  [[nodiscard]] static std::optional<MacKeyCombination> parse(std::string_view specification);
+  [[nodiscard]] static std::optional<MacKeyCombination> parse(std::string_view notation);
 
   /// Whether this key is pressed with exactly these modifiers. Bits outside KeyModifier::mask do not count.
   [[nodiscard]] bool matches(std::string_view keyName, std::uint32_t modifierRawValue) const;

@@ -41,13 +41,13 @@ TEST(MacKeyName, KeysGoByWordOrByCharacter) {
         << key.keyCode << " " << key.characters.value_or("none");
 }
 
-TEST(MacKeyCombination, Specifications) {
+TEST(MacKeyCombination, Notations) {
   constexpr std::uint32_t shift = 0x20000;
   constexpr std::uint32_t control = 0x40000;
   constexpr std::uint32_t option = 0x80000;
   constexpr std::uint32_t command = 0x100000;
   struct Case {
-    std::string specification;
+    std::string notation;
     std::string key;
     std::uint32_t modifiers;
   };
@@ -73,9 +73,9 @@ TEST(MacKeyCombination, Specifications) {
       {"control+shift", "shift", control},
   };
   for (const Case& valid : cases)
-    EXPECT_THAT(MacKeyCombination::parse(valid.specification),
+    EXPECT_THAT(MacKeyCombination::parse(valid.notation),
                 Optional(MacKeyCombination{valid.key, valid.modifiers}))
-        << valid.specification;
+        << valid.notation;
   for (const char* invalid : {"", "+", " + ", "\n", "hyper+s", "control+fn+s", "s+control+x", "con trol+s"})
     EXPECT_THAT(MacKeyCombination::parse(invalid), Eq(std::nullopt)) << invalid;
 }
