@@ -203,10 +203,10 @@ class PopoverJourney(Journey):
         self.await_keyboard("Other program")
         self.activate(service)
         self.await_keyboard(POPOVER)
-        # The panel tells of the click after the program has seen it itself.
+        # The panel tells of a click on it after the program has seen the click itself.
         self.desktop.click_at(700, 750)
-        self.activate(service)
         self.await_gone(POPOVER)
+        self.activate(service)
         self.assert_stays(lambda: not self.server.window(POPOVER))
         self.choose_described(service, "Quick Notlet")
         self.await_keyboard(POPOVER)
