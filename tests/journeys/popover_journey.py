@@ -284,7 +284,8 @@ class PopoverJourney(Journey):
         # The icon has the same title, but only the window is the window manager's.
         await_value(lambda: "Notlet" not in self.server.stacking(), "the window to go")
         self.desktop.end(tray)
-        await_value(lambda: "Notlet" in self.server.stacking(), "the window to come back")
+        # Not only with the look around some seconds after the start.
+        await_value(lambda: "Notlet" in self.server.stacking(), "the window to come back", 1.5)
         self.assertIsNone(self.program.poll())
 
 
