@@ -76,12 +76,13 @@ int main(int argc, char** argv) {
   if (!request)
     return report(request.error().message, 2);
   const Places places = Places::fromEnvironment();
+  const std::optional<LaunchRequest>& asked = *request;
   const auto directory = instanceDirectory(places);
   // Without a place for a socket only the bus knows of another Notlet.
-  if (!directory && *request && BusApplication::handOver(**request, std::chrono::seconds(1)))
+  if (!directory && asked && BusApplication::handOver(*asked, std::chrono::seconds(1)))
     return 0;
   SingleInstance instance(directory);
-  const auto role = instance.start(*request);
+  const auto role = instance.start(asked);
   if (!role)
     return report(role.error().message, 1);
   if (*role == SingleInstance::Role::HandedOver)
@@ -92,6 +93,6 @@ int main(int argc, char** argv) {
   const SuddenExit keepDrafts([&app] { app.keepDrafts(); });
   QObject::connect(&instance, &SingleInstance::requested, &app, &NotletMacApp::handle);
   QObject::connect(&signals, &TerminationSignals::received, &application, [] { QCoreApplication::exit(0); });
-  app.launch(*request);
+  app.launch(asked);
   return QApplication::exec();
 }
