@@ -67,9 +67,11 @@ void MacFloatingPanelController::dragBubble(const QPointF& movement, bool ended)
   if (m_state != State::bubble)
     return;
   const FloatingGeometry screens = geometry();
-  const QRectF moved = m_surroundings.panel.frame().translated(movement);
+  // The window follows late, and until then says where it was.
+  const QRectF moved = m_draggedFrame.value_or(m_surroundings.panel.frame()).translated(movement);
   const QRectF frame = screens.clamped(moved);
   m_surroundings.panel.setFrame(frame, false);
+  m_draggedFrame = ended ? std::nullopt : std::optional(frame);
   if (ended)
     settleBubble(frame.center(), screens.screenContaining(moved));
 }
@@ -88,6 +90,7 @@ void MacFloatingPanelController::captureDragEnded() {
 void MacFloatingPanelController::followScreens() {
   if (!isFloatingMode())
     return;
+  m_draggedFrame.reset();
   const FloatingGeometry screens = geometry();
   if (!screens.hasScreen())
     return disappear();
@@ -135,6 +138,7 @@ void MacFloatingPanelController::settleBubble(const QPointF& center,
 
 void MacFloatingPanelController::setState(State state) {
   m_state = state;
+  m_draggedFrame.reset();
   m_surroundings.coordinator.floatingCaptureExpanded = isExpanded();
 }
 

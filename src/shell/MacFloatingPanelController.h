@@ -2,6 +2,8 @@
 
 #include <QObject>
 #include <QPointF>
+#include <QRectF>
+#include <optional>
 
 #include "commands/NotificationCenter.h"
 #include "platform/Defaults.h"
@@ -72,6 +74,8 @@ class MacFloatingPanelController : public QObject {
   BubblePosition m_position;
   /// Also what the expanded panel is anchored at.
   QPointF m_bubbleCenter;
+  /// Where a drag of the bubble that goes on has brought it.
+  std::optional<QRectF> m_draggedFrame;
   State m_state = State::off;
   /// False in floating mode while there is no screen.
   bool m_isOnScreen = false;

@@ -137,6 +137,17 @@ TEST_F(MacFloatingPanelControllerTest, ADraggedBubbleStopsAtTheEdgesAndIsFoundTh
   }
 }
 
+TEST_F(MacFloatingPanelControllerTest, ADragLosesNoStepToAWindowThatIsLate) {
+  start(State::bubble);
+  const QRectF before = panel.currentFrame;
+  for (int step = 0; step < 3; ++step) {
+    controller.dragBubble({-100, -50}, false);
+    panel.currentFrame = before;
+  }
+  controller.dragBubble({}, true);
+  EXPECT_EQ(panel.currentFrame, before.translated(-300, -150));
+}
+
 TEST_F(MacFloatingPanelControllerTest, AfterADragOfThePanelTheBubbleIsInItsLowerRightCorner) {
   start(State::expanded);
   drag({-100, -100}); // What is left of a drag of the bubble moves no panel.

@@ -28,13 +28,20 @@ void MacCaptureDragRegion::mousePressEvent(QMouseEvent* event) {
 }
 
 void MacCaptureDragRegion::mouseMoveEvent(QMouseEvent* event) {
-  if (m_drag == Drag::byProgram)
-    window()->move(event->globalPosition().toPoint() - m_grip);
+  moveWindow(event->globalPosition().toPoint());
 }
 
 void MacCaptureDragRegion::mouseReleaseEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton)
-    endDrag();
+  if (event->button() != Qt::LeftButton)
+    return;
+  // The window may have been told in the meantime of a place that it had left.
+  moveWindow(event->globalPosition().toPoint());
+  endDrag();
+}
+
+void MacCaptureDragRegion::moveWindow(const QPoint& pointer) {
+  if (m_drag == Drag::byProgram)
+    window()->move(pointer - m_grip);
 }
 
 // The window system keeps the release to itself; the pointer comes back once it is done.

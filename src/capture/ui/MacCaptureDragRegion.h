@@ -33,6 +33,8 @@ class MacCaptureDragRegion : public QWidget {
  private:
   enum class Drag { none, byProgram, byWindowSystem };
 
+  /// Puts the window under the pointer, as long as the program is the one to move it.
+  void moveWindow(const QPoint& pointer);
   void endDrag();
 
   Mover m_mover;
