@@ -2,11 +2,13 @@
 #include <QCommandLineParser>
 #include <cstdio>
 #include <optional>
+#include <vector>
 
 #include "app/NotletMacApp.h"
 #include "platform/InstanceSocket.h"
 #include "platform/LaunchRequest.h"
 #include "platform/linux/BusApplication.h"
+#include "platform/linux/PlatformChoice.h"
 #include "platform/linux/SingleInstance.h"
 #include "platform/linux/SuddenExit.h"
 #include "platform/linux/TerminationSignals.h"
@@ -31,7 +33,11 @@ Result<std::optional<LaunchRequest>> requestFrom(QCommandLineParser& parser, con
   const QCommandLineOption background(
       QStringLiteral("background"), QStringLiteral("Starts without a window, for autostart; leaves a Notlet "
                                                    "that is running already alone."));
-  parser.addOptions({capture, background});
+  const QCommandLineOption wayland(
+      QStringLiteral("wayland"),
+      QStringLiteral("Shows windows of Wayland’s own, which the desktop places. Without it Notlet takes "
+                     "the session’s X server, if there is one, and places them itself."));
+  parser.addOptions({capture, background, wayland});
   parser.addPositionalArgument(QStringLiteral("link"), QStringLiteral("A link that begins with “notlet:”."),
                                QStringLiteral("[link...]"));
   if (!parser.parse(QCoreApplication::arguments()))
@@ -62,7 +68,17 @@ int main(int argc, char** argv) {
   TerminationSignals::block();
   // Qt takes some of it out of the environment; nothing of it is for the programs that this one starts.
   const std::string token = activationTokenFromEnvironment();
-  QApplication application(argc, argv);
+  const auto platform = choosePlatform(PlatformWishes::of(argc, argv));
+  if (!platform)
+    return report(platform.error().message, 1);
+  // Not by the environment, which is also that of the programs that this one starts.
+  std::string option = "-platform";
+  std::string name = *platform;
+  std::vector<char*> arguments(argv, argv + argc + 1);
+  if (!name.empty())
+    arguments.insert(arguments.begin() + 1, {option.data(), name.data()});
+  int argumentCount = static_cast<int>(arguments.size()) - 1;
+  QApplication application(argumentCount, arguments.data());
   qunsetenv("XDG_ACTIVATION_TOKEN");
   qunsetenv("DESKTOP_STARTUP_ID");
   const TerminationSignals signals;
