@@ -12,10 +12,14 @@ HotKeyRoute routeToHotKey() {
   return displayServer() == DisplayServer::x11 ? HotKeyRoute::x11 : HotKeyRoute::portal;
 }
 
-std::unique_ptr<GlobalHotKey> makeHotKey(HotKeyRoute route, X11UserTime& userTime) {
+std::unique_ptr<GlobalHotKey> makeHotKey(HotKeyRoute route, X11UserTime& userTime,
+                                         WindowSystem& windowSystem) {
   if (route == HotKeyRoute::x11)
     return std::make_unique<X11HotKey>(userTime);
-  return std::make_unique<PortalHotKey>();
+  auto hotKey = std::make_unique<PortalHotKey>();
+  QObject::connect(hotKey.get(), &PortalHotKey::activationTokenGiven, &windowSystem,
+                   &WindowSystem::noteActivationToken);
+  return hotKey;
 }
 
 } // namespace
@@ -24,7 +28,7 @@ Desktop::Desktop()
     : m_windowSystem(makeWindowSystem(m_userTime)),
       m_statusItem(m_appearance),
       m_hotKeyRoute(routeToHotKey()),
-      m_hotKey(makeHotKey(m_hotKeyRoute, m_userTime)) {
+      m_hotKey(makeHotKey(m_hotKeyRoute, m_userTime, *m_windowSystem)) {
   connect(m_hotKey.get(), &GlobalHotKey::failed, this, [this] { m_hasHotKey = false; });
 }
 

@@ -41,9 +41,9 @@ class FakePortal final : public QDBusVirtualObject {
   bool givesSessionAsPath = false;
   QString session;
 
-  void activate(const QString& path, const QString& shortcut) {
+  void activate(const QString& path, const QString& shortcut, const QVariantMap& options = {}) {
     emitSignal(root(), QStringLiteral("org.freedesktop.portal.GlobalShortcuts"), QStringLiteral("Activated"),
-               {QVariant::fromValue(QDBusObjectPath(path)), shortcut, qulonglong(1), QVariantMap()});
+               {QVariant::fromValue(QDBusObjectPath(path)), shortcut, qulonglong(1), options});
   }
 
   void closeSession() {

@@ -39,6 +39,8 @@ const QString closedSignal = QStringLiteral("Closed");
 // Always the same, because desktops keep what the user chose under it.
 const QString sessionToken = QStringLiteral("notlet");
 const QString shortcutId = QStringLiteral("quick-notlet");
+// Of later portals.
+const QString activationTokenOption = QStringLiteral("activation_token");
 
 QVariant shortcuts() {
   qDBusRegisterMetaType<PortalShortcut>();
@@ -163,9 +165,13 @@ void PortalHotKey::bind(const QString& session) {
 }
 
 void PortalHotKey::activate(const QDBusObjectPath& session, const QString& shortcut, qulonglong,
-                            const QVariantMap&) {
-  if (session.path() == m_session && shortcut == shortcutId)
-    Q_EMIT pressed();
+                            const QVariantMap& options) {
+  if (session.path() != m_session || shortcut != shortcutId)
+    return;
+  const QString token = options.value(activationTokenOption).toString();
+  if (!token.isEmpty())
+    Q_EMIT activationTokenGiven(token.toStdString());
+  Q_EMIT pressed();
 }
 
 void PortalHotKey::sessionLost() {

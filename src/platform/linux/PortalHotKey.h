@@ -3,6 +3,7 @@
 #include <QDBusObjectPath>
 #include <QVariantMap>
 #include <memory>
+#include <string>
 
 #include "platform/GlobalHotKey.h"
 #include "platform/linux/BusSource.h"
@@ -30,6 +31,8 @@ class PortalHotKey final : public GlobalHotKey {
 
  Q_SIGNALS:
   void installed();
+  /// What the desktop gave with the key, for WindowSystem::noteActivationToken(); comes before pressed().
+  void activationTokenGiven(const std::string& token);
 
  private Q_SLOTS:
   void activate(const QDBusObjectPath& session, const QString& shortcut, qulonglong time,

@@ -103,6 +103,22 @@ TEST_F(PortalHotKeyTest, OnlyItsOwnKeyCounts) {
   EXPECT_EQ(press(portal.session), 3);
 }
 
+// Without what the desktop gives for it, a window that is there already may not come forward.
+TEST_F(PortalHotKeyTest, TellsOfTheActivationTokenBeforeThePress) {
+  std::vector<std::string> heard;
+  QObject::connect(&key, &PortalHotKey::activationTokenGiven,
+                   [&heard](const std::string& token) { heard.push_back(token); });
+  QObject::connect(&key, &PortalHotKey::pressed, [&heard] { heard.emplace_back("pressed"); });
+  key.install();
+  ASSERT_TRUE(installs.wait());
+  portal.activate(portal.session, shortcut,
+                  {{QStringLiteral("activation_token"), QStringLiteral("kde-4711")}});
+  portal.activate(portal.session, shortcut, {{QStringLiteral("activation_token"), 4711}});
+  portal.activate(portal.session, shortcut);
+  ASSERT_TRUE(settle());
+  EXPECT_THAT(heard, testing::ElementsAre("kde-4711", "pressed", "4711", "pressed", "pressed"));
+}
+
 TEST_F(PortalHotKeyTest, SaysOnceThatItIsRefused) {
   const struct {
     QString method;
