@@ -51,7 +51,8 @@ NotletMacApp::NotletMacApp(const Places& places)
       m_popoverCapture{{draftDirectory(places), "popover", m_scheduler}, nullptr},
       m_panelCapture{{draftDirectory(places), "panel", m_scheduler}, nullptr},
       m_unsavedEdits(editDirectory(places), m_scheduler),
-      m_windowLife(m_defaults) {
+      m_windowLife(m_defaults),
+      m_desktopLimits(m_defaults) {
   if (isStoreOpen())
     makeRules(m_storage.container()->mainContext());
   makeWindows();
@@ -146,18 +147,26 @@ QWidget* NotletMacApp::makePopoverContent() {
 }
 
 QWidget* NotletMacApp::makeBubble() {
+  using Mover = MacFloatingBubbleView::Mover;
   return new MacFloatingBubbleView(
+      m_desktop.capabilities().placesWindows ? Mover::program : Mover::windowSystem,
       [this] { m_floatingPanelController->expandCapture(); },
       [this](QPointF movement, bool hasEnded) { m_floatingPanelController->dragBubble(movement, hasEnded); });
 }
 
 QWidget* NotletMacApp::makePanelContent() {
   MacFloatingPanelController* controller = m_floatingPanelController.get();
+  const bool placesWindows = m_desktop.capabilities().placesWindows;
   auto* view = new MacCaptureView(*m_panelCapture.composer,
                                   {.onClose = [controller] { controller->collapseCapture(); },
                                    .onShowMainApp = [controller] { controller->returnToMainApp(); },
-                                   .onDragEnded = [controller] { controller->captureDragEnded(); },
-                                   .placesWindows = m_desktop.capabilities().placesWindows});
+                                   // Where the program does not know its place, there is none to keep.
+                                   .onDragEnded =
+                                       [controller, placesWindows] {
+                                         if (placesWindows)
+                                           controller->captureDragEnded();
+                                       },
+                                   .placesWindows = placesWindows});
   addQuitKey(view);
   return view;
 }
@@ -197,13 +206,28 @@ void NotletMacApp::connectDesktop() {
 }
 
 void NotletMacApp::connectMessages() {
-  const auto showMessage = [this] {
-    m_mainWindow->setNotice(fromUtf8(m_shortcutSettings.errorMessage().value_or("")));
-  };
-  connect(&m_shortcutSettings, &MacShortcutSettings::changed, m_mainWindow.get(), showMessage);
-  connect(m_mainWindow.get(), &MainWindow::noticeDismissed, this,
-          [this] { m_shortcutSettings.setErrorMessage(std::nullopt); });
-  showMessage();
+  connect(&m_shortcutSettings, &MacShortcutSettings::changed, this, &NotletMacApp::showNotice);
+  connect(m_mainWindow.get(), &MainWindow::noticeDismissed, this, &NotletMacApp::dismissNotice);
+  showNotice();
+}
+
+void NotletMacApp::showNotice() {
+  std::string text = m_explanation;
+  if (text.empty())
+    text = m_shortcutSettings.errorMessage().value_or("");
+  if (text.empty())
+    text = m_desktopLimits.notice(m_desktop.capabilities());
+  m_mainWindow->setNotice(fromUtf8(text));
+}
+
+void NotletMacApp::dismissNotice() {
+  if (!m_explanation.empty())
+    m_explanation.clear();
+  else if (m_shortcutSettings.errorMessage())
+    m_shortcutSettings.setErrorMessage(std::nullopt);
+  else
+    m_desktopLimits.noteRead();
+  showNotice();
 }
 
 void NotletMacApp::configureApplicationIcon() {
@@ -260,10 +284,11 @@ void NotletMacApp::closeMainWindow() {
 /// Tells once that the program goes on; false when the window has to stay to say so.
 bool NotletMacApp::explain(const WaysBack& waysBack) {
   m_windowLife.noteExplained();
-  const QString text = fromUtf8(WindowLife::explanation(waysBack));
-  if (m_desktop.notifications().show(QStringLiteral("Notlet"), text))
+  const std::string text = WindowLife::explanation(waysBack);
+  if (m_desktop.notifications().show(QStringLiteral("Notlet"), fromUtf8(text)))
     return true;
-  m_mainWindow->setNotice(text);
+  m_explanation = text;
+  showNotice();
   return false;
 }
 

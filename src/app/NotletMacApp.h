@@ -21,6 +21,7 @@
 #include "platform/linux/DesktopFileOpener.h"
 #include "platform/linux/FocusedWidget.h"
 #include "platform/linux/KeyMonitor.h"
+#include "shell/DesktopLimits.h"
 #include "shell/MacFloatingPanelController.h"
 #include "shell/NotletMacAppDelegate.h"
 #include "shell/WindowLife.h"
@@ -75,6 +76,8 @@ class NotletMacApp : public QObject {
   void addQuitKey(QWidget* widget);
   void connectDesktop();
   void connectMessages();
+  void showNotice();
+  void dismissNotice();
   void configureApplicationIcon();
   void startDesktop();
   void closeMainWindow();
@@ -108,6 +111,9 @@ class NotletMacApp : public QObject {
   std::unique_ptr<ArchiveBrowser> m_archiveBrowser;
 
   WindowLife m_windowLife;
+  DesktopLimits m_desktopLimits;
+  /// Why the main window did not close, until the user has read it (UTF-8).
+  std::string m_explanation;
   std::unique_ptr<MainWindow> m_mainWindow;
   std::unique_ptr<PopoverWindow> m_popover;
   std::unique_ptr<ShellWindows> m_shellWindows;

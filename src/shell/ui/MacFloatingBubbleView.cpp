@@ -2,6 +2,7 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QWindow>
 #include <array>
 #include <utility>
 
@@ -17,8 +18,9 @@ constexpr std::array dotOffsets = {std::pair(0, -14), std::pair(-14, 0), std::pa
 
 } // namespace
 
-MacFloatingBubbleView::MacFloatingBubbleView(std::function<void()> onExpand, OnDrag onDrag, QWidget* parent)
-    : ThemedButton(parent), m_onDrag(std::move(onDrag)) {
+MacFloatingBubbleView::MacFloatingBubbleView(Mover mover, std::function<void()> onExpand, OnDrag onDrag,
+                                             QWidget* parent)
+    : ThemedButton(parent), m_mover(mover), m_onDrag(std::move(onDrag)) {
   setFixedSize(side, side);
   setFocusPolicy(Qt::NoFocus);
   setCursor(Qt::OpenHandCursor);
@@ -39,6 +41,12 @@ void MacFloatingBubbleView::mousePressEvent(QMouseEvent* event) {
 void MacFloatingBubbleView::mouseMoveEvent(QMouseEvent* event) {
   if (!m_isHeld)
     return;
+  if (m_mover == Mover::windowSystem) {
+    // It keeps the rest of the gesture to itself.
+    letGo();
+    window()->windowHandle()->startSystemMove();
+    return;
+  }
   if (!m_didDrag)
     setCursor(Qt::ClosedHandCursor);
   m_didDrag = true;

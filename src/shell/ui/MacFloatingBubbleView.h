@@ -13,6 +13,14 @@ class MacFloatingBubbleView : public ThemedButton {
   Q_OBJECT
 
  public:
+  /// Who moves the window.
+  enum class Mover {
+    /// The program does, by as much as the pointer moves.
+    program,
+    /// The window system does, for want of a program that may place its windows; nobody is told where it
+    /// went.
+    windowSystem,
+  };
   /// How far the pointer went since the last call, in whole logical pixels with y growing upward, and whether
   /// the drag is over.
   using OnDrag = std::function<void(QPointF movement, bool hasEnded)>;
@@ -21,7 +29,8 @@ class MacFloatingBubbleView : public ThemedButton {
   static constexpr int side = 64;
   static constexpr int inset = 1;
 
-  MacFloatingBubbleView(std::function<void()> onExpand, OnDrag onDrag, QWidget* parent = nullptr);
+  MacFloatingBubbleView(Mover mover, std::function<void()> onExpand, OnDrag onDrag,
+                        QWidget* parent = nullptr);
 
   [[nodiscard]] QSize sizeHint() const override { return {side, side}; }
 
@@ -35,6 +44,7 @@ class MacFloatingBubbleView : public ThemedButton {
  private:
   void letGo();
 
+  Mover m_mover;
   OnDrag m_onDrag;
   bool m_isHeld = false;
   bool m_didDrag = false;

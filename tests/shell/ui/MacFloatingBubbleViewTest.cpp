@@ -37,7 +37,8 @@ class MacFloatingBubbleViewTest : public testing::Test {
   MemoryDefaults defaults;
   AppSettings settings{defaults};
   MacFloatingBubbleView* bubble = new MacFloatingBubbleView(
-      [this] { ++expansions; }, [this](QPointF by, bool hasEnded) { movements.push_back({by, hasEnded}); });
+      MacFloatingBubbleView::Mover::program, [this] { ++expansions; },
+      [this](QPointF by, bool hasEnded) { movements.push_back({by, hasEnded}); });
   AppThemeContainer container{settings, bubble};
 };
 
@@ -59,6 +60,24 @@ TEST_F(MacFloatingBubbleViewTest, AnyMovementMakesADragWithUpwardY) {
   EXPECT_EQ(expansions, 0);
   const std::vector<Movement> expected = {{{1, 0}, false}, {{4, 6}, false}, {{0, 0}, true}};
   EXPECT_EQ(movements, expected);
+}
+
+// A gesture that the window system has taken over ends neither as a click nor with a place to keep.
+TEST_F(MacFloatingBubbleViewTest, LeavesTheDragToTheWindowSystem) {
+  auto* moved = new MacFloatingBubbleView(
+      MacFloatingBubbleView::Mover::windowSystem, [this] { ++expansions; },
+      [this](QPointF by, bool hasEnded) { movements.push_back({by, hasEnded}); });
+  AppThemeContainer window(settings, moved);
+  window.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+  QTest::mousePress(moved, Qt::LeftButton, {}, {20, 20});
+  QTest::mouseMove(moved, {25, 14});
+  QTest::mouseMove(moved, {30, 14});
+  QTest::mouseRelease(moved, Qt::LeftButton, {}, {30, 14});
+  EXPECT_EQ(expansions, 0);
+  EXPECT_TRUE(movements.empty());
+  QTest::mouseClick(moved, Qt::LeftButton);
+  EXPECT_EQ(expansions, 1);
 }
 
 TEST_F(MacFloatingBubbleViewTest, OtherButtonsAndAHiddenBubbleDoNothing) {
