@@ -28,12 +28,13 @@ DesktopCapabilities windowCapabilities() {
   if (!connection)
     return capabilities;
   const X11WindowManager manager(*connection);
-  capabilities.placesWindows = true;
+  const DisplayServer server = displayServer();
+  // sway puts windows in the middle of the screen, those of X11 too.
+  capabilities.placesWindows = server == DisplayServer::x11 || qEnvironmentVariableIsEmpty("SWAYSOCK");
   capabilities.keepsWindowsAbove = manager.supports("_NET_WM_STATE_ABOVE");
   capabilities.showsOnAllWorkspaces =
       manager.supports("_NET_WM_DESKTOP") || manager.supports("_NET_WM_STATE_STICKY");
-  capabilities.seesMouseEverywhere =
-      displayServer() == DisplayServer::x11 && X11MouseWatch::isPossible(*connection);
+  capabilities.seesMouseEverywhere = server == DisplayServer::x11 && X11MouseWatch::isPossible(*connection);
   return capabilities;
 }
 

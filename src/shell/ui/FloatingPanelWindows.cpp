@@ -20,20 +20,28 @@ RoundedWindow& FloatingPanelWindows::window(Content content) {
   return *made;
 }
 
+// Of one size only, so that tiling desktops see that it is not for them.
+std::unique_ptr<RoundedWindow> FloatingPanelWindows::makeWindow(QWidget* content,
+                                                                const RoundedWindow::Shape& shape,
+                                                                Qt::WindowFlags flags) const {
+  const QSize size = content->size();
+  auto window = std::make_unique<RoundedWindow>(m_surroundings.settings, m_surroundings.windowSystem, content,
+                                                shape, flags);
+  window->setFixedSize(size);
+  return window;
+}
+
 std::unique_ptr<RoundedWindow> FloatingPanelWindows::makeBubbleWindow() const {
   constexpr RoundedWindow::Shape circle{MacFloatingBubbleView::side / 2.0 - MacFloatingBubbleView::inset,
                                         MacFloatingBubbleView::inset, ThemeRole::surface};
-  auto bubble =
-      std::make_unique<RoundedWindow>(m_surroundings.settings, m_surroundings.windowSystem,
-                                      m_contents.makeBubble(), circle, Qt::WindowDoesNotAcceptFocus);
+  auto bubble = makeWindow(m_contents.makeBubble(), circle, Qt::WindowDoesNotAcceptFocus);
   bubble->setWindowTitle(QStringLiteral("Notlet Bubble"));
   bubble->setAttribute(Qt::WA_ShowWithoutActivating);
   return bubble;
 }
 
 std::unique_ptr<RoundedWindow> FloatingPanelWindows::makeCaptureWindow() {
-  auto capture = std::make_unique<RoundedWindow>(m_surroundings.settings, m_surroundings.windowSystem,
-                                                 m_contents.makeCapture(), RoundedWindow::Shape{});
+  auto capture = makeWindow(m_contents.makeCapture(), {}, {});
   capture->setWindowTitle(QStringLiteral("Quick Notlet"));
   // It gets the keyboard when asked to, not by being shown.
   capture->setAttribute(Qt::WA_ShowWithoutActivating);

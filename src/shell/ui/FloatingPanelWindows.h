@@ -25,7 +25,7 @@ class FloatingPanelWindows : public QObject, public FloatingPanel {
     WindowSystem& windowSystem;
     Screens& screens;
   };
-  /// What the windows show; each is called once, on first use.
+  /// What the windows show, each of a fixed size; each is called once, on first use.
   struct Contents {
     std::function<QWidget*()> makeBubble;
     std::function<QWidget*()> makeCapture;
@@ -48,6 +48,8 @@ class FloatingPanelWindows : public QObject, public FloatingPanel {
  private:
   [[nodiscard]] RoundedWindow& window(Content content);
   [[nodiscard]] std::unique_ptr<RoundedWindow>& slot(Content content);
+  [[nodiscard]] std::unique_ptr<RoundedWindow> makeWindow(QWidget* content, const RoundedWindow::Shape& shape,
+                                                          Qt::WindowFlags flags) const;
   [[nodiscard]] std::unique_ptr<RoundedWindow> makeBubbleWindow() const;
   [[nodiscard]] std::unique_ptr<RoundedWindow> makeCaptureWindow();
   /// The window with the content that is not set.

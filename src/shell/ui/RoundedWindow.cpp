@@ -3,6 +3,7 @@
 #include <QBitmap>
 #include <QCloseEvent>
 #include <QPainter>
+#include <QStyle>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -48,6 +49,7 @@ RoundedWindow::RoundedWindow(AppSettings& settings, WindowSystem& windowSystem, 
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins({});
   layout->addWidget(m_container);
+  m_container->setMaximumSize(content->maximumSize());
   // The window paints the ground in its own shape.
   m_container->setAutoFillBackground(false);
   m_container->installEventFilter(this);
@@ -70,9 +72,16 @@ void RoundedWindow::prepare() {
   [[maybe_unused]] const QPixmap picture = grab();
 }
 
+// Where the layout puts the content: some window managers make small windows larger than they want to be.
+QRect RoundedWindow::area() const {
+  QRect area({}, m_container->maximumSize().boundedTo(size()));
+  area.moveTop((height() - area.height()) / 2);
+  return QStyle::visualRect(layoutDirection(), rect(), area);
+}
+
 void RoundedWindow::openFrom(const QRect& place) {
   const auto duration = Motion::duration(this);
-  m_openingStart = place.translated(-pos()).intersected(rect());
+  m_openingStart = place.translated(-pos()).intersected(area());
   if (duration.count() == 0 || m_openingStart.isEmpty())
     return;
   applyOpening(0);
@@ -81,7 +90,7 @@ void RoundedWindow::openFrom(const QRect& place) {
 }
 
 void RoundedWindow::applyOpening(double progress) {
-  const QRectF opened = between(m_openingStart, rect(), progress);
+  const QRectF opened = between(m_openingStart, area(), progress);
   const double radius = std::min({m_shape.radius, opened.width() / 2, opened.height() / 2});
   setMask(maskOf(size(), opened, radius));
 }
@@ -91,9 +100,9 @@ void RoundedWindow::applyShape() {
     return;
   const double inset = m_shape.inset;
   if (m_windowSystem.hasCompositor())
-    setMask(maskOf(size(), rect(), std::max(0.0, m_shape.radius - roomForSmoothEdges)));
+    setMask(maskOf(size(), area(), std::max(0.0, m_shape.radius - roomForSmoothEdges)));
   else
-    setMask(maskOf(size(), QRectF(rect()).adjusted(inset, inset, -inset, -inset), m_shape.radius));
+    setMask(maskOf(size(), QRectF(area()).adjusted(inset, inset, -inset, -inset), m_shape.radius));
   update();
 }
 
@@ -134,7 +143,7 @@ void RoundedWindow::paintEvent(QPaintEvent*) {
   painter.setBrush(isCutOut ? QBrush() : colors.brush(m_shape.ground));
   const double inset = m_shape.inset + lineWidth / 2;
   const double radius = m_shape.radius - lineWidth / 2;
-  painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius, radius);
+  painter.drawRoundedRect(QRectF(area()).adjusted(inset, inset, -inset, -inset), radius, radius);
 }
 
 } // namespace notlet

@@ -52,6 +52,8 @@ class RoundedWindow : public QWidget {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  /// The part of the window that is to be seen.
+  [[nodiscard]] QRect area() const;
   void applyShape();
   void applyOpening(double progress);
 

@@ -7,6 +7,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
+#include <QWindow>
 
 #include "support/FakeScreens.h"
 #include "support/FakeWindowSystem.h"
@@ -85,6 +86,17 @@ TEST_F(FloatingPanelWindowsTest, ShowsOneContentAtATimeWhereTheScreensSayAndKeep
   EXPECT_FALSE(bubble->isVisible() || capture->isVisible());
   EXPECT_EQ(bubblesMade, 1);
   EXPECT_EQ(capturesMade, 1);
+}
+
+// Else a tiling desktop gives the bubble half of the screen.
+TEST_F(FloatingPanelWindowsTest, EachWindowSaysThatItHasOneSize) {
+  showBubble();
+  expand();
+  for (const QWidget* content : {bubble, capture}) {
+    const QWindow* window = content->window()->windowHandle();
+    EXPECT_EQ(window->minimumSize(), content->size());
+    EXPECT_EQ(window->maximumSize(), content->size());
+  }
 }
 
 TEST_F(FloatingPanelWindowsTest, OnlyTheCaptureTakesTheKeyboardAndAtOnce) {

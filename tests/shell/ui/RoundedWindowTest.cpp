@@ -74,6 +74,21 @@ TEST_F(RoundedWindowTest, PaintsTheThemesGroundInItsShapeOnly) {
   }
 }
 
+// Some window managers know no window as small as the bubble.
+TEST_F(RoundedWindowTest, KeepsTheSizeOfItsContentInALargerWindow) {
+  auto* small = new QWidget;
+  small->setFixedSize(64, 64);
+  RoundedWindow larger(settings, windowSystem, small, {.radius = 32});
+  larger.resize(100, 80);
+  larger.show();
+  ASSERT_EQ(larger.size(), QSize(100, 80));
+  EXPECT_EQ(small->mapTo(&larger, QPoint()), QPoint(0, 8));
+  for (const bool compositor : {true, false}) {
+    windowSystem.setCompositor(compositor);
+    EXPECT_EQ(larger.mask().boundingRect(), QRect(0, 8, 64, 64)) << compositor;
+  }
+}
+
 TEST_F(RoundedWindowTest, OpensFromAPlaceToItsWholeShape) {
   window.move(100, 100);
   window.show();
