@@ -33,6 +33,8 @@ class FakePortal final : public QDBusVirtualObject {
   /// The ids and preferred triggers of each method that named shortcuts.
   QMap<QString, QStringList> triggers;
   QMap<QString, QVariantMap> settings;
+  /// What a second desktop says; portals pass both on.
+  QMap<QString, QVariantMap> moreSettings;
   /// The code of the answer to each method; 0 unless given.
   QMap<QString, uint> responses;
   QStringList unknownMethods;
@@ -97,12 +99,14 @@ class FakePortal final : public QDBusVirtualObject {
   [[nodiscard]] QVariant allSettings(const QStringList& groups) const {
     QDBusArgument argument;
     argument.beginMap(QMetaType(QMetaType::QString), QMetaType(QMetaType::QVariantMap));
-    for (auto group = settings.begin(); group != settings.end(); ++group) {
-      if (!groups.contains(group.key()))
-        continue;
-      argument.beginMapEntry();
-      argument << group.key() << group.value();
-      argument.endMapEntry();
+    for (const auto* said : {&settings, &moreSettings}) {
+      for (auto group = said->begin(); group != said->end(); ++group) {
+        if (!groups.contains(group.key()))
+          continue;
+        argument.beginMapEntry();
+        argument << group.key() << group.value();
+        argument.endMapEntry();
+      }
     }
     argument.endMap();
     return QVariant::fromValue(argument);

@@ -49,6 +49,23 @@ bool reducesMotion(const Settings& settings) {
   return common.toUInt() == 1 || (gnome.isValid() && !gnome.toBool()) || plasmaReduces;
 }
 
+/// Several desktops may answer through one portal; the first to name a setting is the one that counts.
+Settings settingsOf(const QDBusArgument& answer) {
+  Settings settings;
+  answer.beginMap();
+  while (!answer.atEnd()) {
+    QString group;
+    QVariantMap values;
+    answer.beginMapEntry();
+    answer >> group >> values;
+    answer.endMapEntry();
+    values.insert(settings[group]);
+    settings[group] = values;
+  }
+  answer.endMap();
+  return settings;
+}
+
 } // namespace
 
 PortalAppearance::PortalAppearance(BusSource bus, QObject* parent)
@@ -65,18 +82,23 @@ void PortalAppearance::start() {
     return;
   m_portalWatcher = std::make_unique<QDBusServiceWatcher>(PortalDesktop::service, bus,
                                                           QDBusServiceWatcher::WatchForRegistration);
-  connect(m_portalWatcher.get(), &QDBusServiceWatcher::serviceRegistered, this, &PortalAppearance::read);
+  connect(m_portalWatcher.get(), &QDBusServiceWatcher::serviceRegistered, this,
+          &PortalAppearance::introduceAndRead);
   // Qt knows the types of a slot by name, and only those that somebody has registered.
   qRegisterMetaType<QDBusVariant>();
   // No service is named: Qt would ask the bus for its owner and wait for the answer.
   bus.connect({}, PortalDesktop::path, settingsInterface, QStringLiteral("SettingChanged"), this,
               SLOT(changeSetting(QString, QString, QDBusVariant)));
+  introduceAndRead();
+}
+
+void PortalAppearance::introduceAndRead() {
+  PortalDesktop::introduce(m_bus());
   read();
 }
 
 void PortalAppearance::read() {
   const QDBusConnection bus = m_bus();
-  PortalDesktop::introduce(bus);
   const QDBusMessage call = PortalDesktop::call(settingsInterface, QStringLiteral("ReadAll"))
                             << QStringList{appearance, gnomeInterface, plasmaGlobals};
   auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
@@ -90,15 +112,14 @@ void PortalAppearance::take(const QDBusPendingCallWatcher& reply) {
   const QDBusMessage message = reply.reply();
   if (message.type() != QDBusMessage::ReplyMessage || message.signature() != QLatin1String("a{sa{sv}}"))
     return;
-  m_settings = qdbus_cast<Settings>(message.arguments().at(0));
+  m_settings = settingsOf(message.arguments().at(0).value<QDBusArgument>());
   update();
 }
 
-void PortalAppearance::changeSetting(const QString& group, const QString& key, const QDBusVariant& value) {
-  if (group != appearance && group != gnomeInterface && group != plasmaGlobals)
-    return;
-  m_settings[group][key] = value.variant();
-  update();
+// The change may be that of a desktop whose settings do not count.
+void PortalAppearance::changeSetting(const QString& group, const QString&, const QDBusVariant&) {
+  if (group == appearance || group == gnomeInterface || group == plasmaGlobals)
+    read();
 }
 
 void PortalAppearance::update() {

@@ -41,6 +41,7 @@ class PortalAppearance final : public Appearance {
   void changeSetting(const QString& group, const QString& key, const QDBusVariant& value);
 
  private:
+  void introduceAndRead();
   void read();
   void take(const QDBusPendingCallWatcher& reply);
   void update();

@@ -30,6 +30,11 @@ class PortalAppearanceTest : public testing::Test {
   ~PortalAppearanceTest() override { QGuiApplication::setPalette(QPalette()); }
 
   [[nodiscard]] bool settle() const { return FakePortal::settle(source()); }
+  /// Changes a setting and waits until the program has heard of it, has asked, and has the answer.
+  [[nodiscard]] bool change(const QString& group, const QString& key, const QVariant& value) {
+    portal.changeSetting(group, key, value);
+    return settle() && settle();
+  }
 
   PrivateBus bus;
   QDBusConnection desktop = bus.connect();
@@ -82,8 +87,7 @@ TEST_F(PortalAppearanceTest, FollowsTheDesktop) {
       {common, 1U, true, 3},
   };
   for (const auto& [group, value, isDark, count] : steps) {
-    portal.changeSetting(group, scheme, value);
-    ASSERT_TRUE(settle());
+    ASSERT_TRUE(change(group, scheme, value));
     EXPECT_EQ(appearance.isDark(), isDark);
     EXPECT_EQ(changes.count(), count);
   }
@@ -102,6 +106,22 @@ TEST_F(PortalAppearanceTest, FollowsThePaletteWhileTheDesktopHasNoPreference) {
   setPaletteDark(true);
   EXPECT_FALSE(appearance.isDark());
   EXPECT_EQ(changes.count(), 2);
+}
+
+TEST_F(PortalAppearanceTest, TheFirstOfSeveralDesktopsCounts) {
+  setPaletteDark(false);
+  portal.settings = {{common, {{scheme, 1U}}}};
+  portal.moreSettings = {{common, {{scheme, 2U}, {QStringLiteral("reduced-motion"), 1U}}}};
+  appearance.start();
+  ASSERT_TRUE(settle());
+  EXPECT_TRUE(appearance.isDark());
+  EXPECT_TRUE(appearance.reducesMotion());
+  portal.emitSignal(QStringLiteral("/org/freedesktop/portal/desktop"),
+                    QStringLiteral("org.freedesktop.portal.Settings"), QStringLiteral("SettingChanged"),
+                    {common, scheme, QVariant::fromValue(QDBusVariant(2U))});
+  ASSERT_TRUE(settle() && settle());
+  EXPECT_TRUE(appearance.isDark());
+  EXPECT_EQ(changes.count(), 1);
 }
 
 TEST_F(PortalAppearanceTest, MotionStopsHoweverTheDesktopSaysIt) {
@@ -132,8 +152,7 @@ TEST_F(PortalAppearanceTest, MotionStopsHoweverTheDesktopSaysIt) {
     EXPECT_EQ(asking.reducesMotion(), reduces) << key.toStdString() << value.toString().toStdString();
   }
   appearance.start();
-  portal.changeSetting(gnome, animations, false);
-  ASSERT_TRUE(settle());
+  ASSERT_TRUE(change(gnome, animations, false));
   EXPECT_TRUE(appearance.reducesMotion());
   EXPECT_EQ(motionChanges.count(), 1);
 }
