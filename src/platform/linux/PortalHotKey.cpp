@@ -4,6 +4,7 @@
 #include <QDBusMetaType>
 #include <QDBusPendingCall>
 #include <QDBusServiceWatcher>
+#include <QTimer>
 
 #include "platform/linux/PortalDesktop.h"
 #include "platform/linux/PortalRequest.h"
@@ -61,8 +62,8 @@ QString pathOf(const QVariant& value) {
 
 } // namespace
 
-PortalHotKey::PortalHotKey(BusSource bus, QObject* parent) : GlobalHotKey(), m_bus(std::move(bus)) {
-  setParent(parent);
+PortalHotKey::PortalHotKey(BusSource bus, std::chrono::milliseconds patience)
+    : m_bus(std::move(bus)), m_patience(patience) {
 }
 
 PortalHotKey::~PortalHotKey() {
@@ -114,10 +115,18 @@ void PortalHotKey::stopListening(QDBusConnection& bus) {
 }
 
 void PortalHotKey::portalChanged(const QString& oldOwner, const QString& newOwner) {
+  const bool isLost = std::exchange(m_isInstalled, false);
   if (!oldOwner.isEmpty())
     forget();
-  if (newOwner.isEmpty())
+  if (newOwner.isEmpty()) {
+    // Nobody may ever start it again unless it is called.
+    if (isLost)
+      QTimer::singleShot(m_patience, m_watcher.get(), [this] {
+        if (!m_request && !m_isInstalled)
+          createSession();
+      });
     return;
+  }
   // It may be there because our own call has started it; or just too late for that call.
   m_portalIsNew = m_request != nullptr;
   if (!m_request)

@@ -2,6 +2,7 @@
 
 #include <QDBusObjectPath>
 #include <QVariantMap>
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -16,12 +17,15 @@ class PortalRequest;
 
 /// The hot key through the desktop's GlobalShortcuts portal, where programs cannot watch the keyboard
 /// themselves. The desktop may ask the user, and may give another combination than the one preferred; it does
-/// not tell why it refuses. When the portal is restarted the key is asked for again.
+/// not tell why it refuses. When the portal is restarted the key is asked for again; one that stays away is
+/// started by asking.
 class PortalHotKey final : public GlobalHotKey {
   Q_OBJECT
 
  public:
-  explicit PortalHotKey(BusSource bus = sessionBus, QObject* parent = nullptr);
+  /// `patience` is how long a portal that went away may take to come back by itself.
+  explicit PortalHotKey(BusSource bus = sessionBus,
+                        std::chrono::milliseconds patience = std::chrono::seconds(2));
   ~PortalHotKey() override;
 
   void install() override;
@@ -51,6 +55,7 @@ class PortalHotKey final : public GlobalHotKey {
   void fail();
 
   BusSource m_bus;
+  std::chrono::milliseconds m_patience;
   std::unique_ptr<QDBusServiceWatcher> m_watcher;
   std::unique_ptr<PortalRequest> m_request;
   /// The session's path, known in advance.

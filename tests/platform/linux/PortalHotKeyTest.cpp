@@ -152,6 +152,19 @@ TEST_F(PortalHotKeyTest, ARestartedPortalIsAskedAgain) {
   EXPECT_EQ(failures.count(), 0);
 }
 
+TEST_F(PortalHotKeyTest, APortalThatStaysAwayIsCalled) {
+  PortalHotKey impatient(source, std::chrono::milliseconds(0));
+  QSignalSpy refused(&impatient, &PortalHotKey::failed);
+  QSignalSpy installed(&impatient, &PortalHotKey::installed);
+  impatient.install();
+  ASSERT_TRUE(installed.wait());
+  portal.vanish();
+  ASSERT_TRUE(refused.wait()) << "nobody starts it on this bus";
+  portal.appear();
+  ASSERT_TRUE(installed.wait());
+  EXPECT_EQ(refused.count(), 1);
+}
+
 TEST_F(PortalHotKeyTest, APortalThatComesLateIsAsked) {
   portal.vanish();
   key.install();
