@@ -70,7 +70,8 @@ class Journey(unittest.TestCase):
                     f"the store to hold {contents}")
 
     def await_text(self, text, window=None):
-        await_value(lambda: self.desktop.text(self.editor(window)) == text, f"the editor to hold {text!r}")
+        await_value(lambda: self.desktop.text(self.editor(window)) == text,
+                    lambda: f"the editor to hold {text!r}, which holds {self.desktop.text(self.editor(window))!r}")
 
     def await_draft(self, surface, text):
         await_value(lambda: self.draft(surface) == text, f"the draft of the {surface} to be {text!r}")

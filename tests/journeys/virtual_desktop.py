@@ -31,7 +31,7 @@ def await_value(produce, what, timeout=15.0):
         if value:
             return value
         if time.monotonic() > end:
-            raise Timeout(f"waited {timeout} s for {what}")
+            raise Timeout(f"waited {timeout} s for {what() if callable(what) else what}")
         time.sleep(0.02)
 
 
