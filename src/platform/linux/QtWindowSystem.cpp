@@ -10,14 +10,27 @@ namespace {
 
 constexpr const char* activationToken = "XDG_ACTIVATION_TOKEN";
 
-/// A Wayland compositor gives the keyboard to a window that appears, but leaves one that is there where it is
-/// unless it is told of something that the user did.
-bool mustAppearAgain(const QWindow& window) {
-  return QGuiApplication::platformName().startsWith(QStringLiteral("wayland")) && window.isExposed() &&
-         !QGuiApplication::focusWindow() && qEnvironmentVariableIsEmpty(activationToken);
+} // namespace
+
+QtWindowSystem::QtWindowSystem() {
+  if (QGuiApplication::platformName().startsWith(QStringLiteral("wayland")))
+    qGuiApp->installEventFilter(this);
 }
 
-} // namespace
+bool QtWindowSystem::eventFilter(QObject* receiver, QEvent* event) {
+  if (event->type() == QEvent::Show)
+    m_appeared.erase(receiver);
+  else if (event->type() == QEvent::Expose)
+    m_appeared.insert(receiver);
+  return WindowSystem::eventFilter(receiver, event);
+}
+
+/// A Wayland compositor gives the keyboard to a window that appears, but leaves one that is there where it is
+/// unless it is told of something that the user did.
+bool QtWindowSystem::mustAppearAgain(const QWindow& window) const {
+  return m_appeared.contains(&window) && !QGuiApplication::focusWindow() &&
+         qEnvironmentVariableIsEmpty(activationToken);
+}
 
 void QtWindowSystem::activate(WindowID id) {
   const auto windows = QGuiApplication::allWindows();
@@ -26,7 +39,7 @@ void QtWindowSystem::activate(WindowID id) {
   if (found == windows.end())
     return;
   QWindow* window = *found;
-  if (mustAppearAgain(*window)) {
+  if (window->isVisible() && mustAppearAgain(*window)) {
     window->hide();
     window->show();
   }
