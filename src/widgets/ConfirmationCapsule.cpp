@@ -64,7 +64,7 @@ void ConfirmationCapsule::paintEvent(QPaintEvent*) {
   const QRectF capsule =
       QRectF(-width() / 2.0, -height() / 2.0, width(), height()).adjusted(0.5, 0.5, -0.5, -0.5);
   painter.setPen(palette().color(ThemeRole::outline));
-  painter.setBrush(mixed(palette().color(ThemeRole::surface), palette().color(ThemeRole::primaryText), 0.08));
+  painter.setBrush(palette().color(ThemeRole::pressed));
   painter.drawRoundedRect(capsule, capsule.height() / 2, capsule.height() / 2);
   painter.setPen(palette().color(ThemeRole::primaryText));
   painter.setFont(capsuleFont());

@@ -6,13 +6,6 @@
 
 namespace notlet {
 
-namespace {
-
-/// How much of the accent tints the ground of a selected button.
-constexpr float selectedTint = 0.18F;
-
-} // namespace
-
 IconButton::IconButton(Symbol symbol, const QString& name, QWidget* parent)
     : ThemedButton(parent), m_symbol(symbol), m_role(ThemeRole::secondaryText) {
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -71,7 +64,7 @@ QBrush IconButton::ground() const {
   if (!m_isSelected)
     return quietGround();
   QColor tint = palette().color(ThemeRole::accent);
-  tint.setAlphaF(selectedTint);
+  tint.setAlphaF(static_cast<float>(selectedTint));
   return tint;
 }
 

@@ -46,18 +46,6 @@ QString textOf(const PillContent& content) {
   return QLatin1Char('#') + content.tag;
 }
 
-QColor fillColor(const PillContent& content, const QPalette& palette) {
-  return content.isSelected == false ? palette.color(ThemeRole::surface)
-                                     : PillPainter::tagColor(content.tag, palette);
-}
-
-QColor textColor(const PillContent& content, const QPalette& palette) {
-  if (content.isSelected == false)
-    return palette.color(ThemeRole::secondaryText);
-  const Rgb text = HashtagColor::contrastingText(rgbOf(PillPainter::tagColor(content.tag, palette)));
-  return {text.red, text.green, text.blue};
-}
-
 /// Without a line an unselected filter is lost where surface and background are alike.
 QPen penOf(const PillContent& content, const QPalette& palette) {
   if (content.isOutlined)
@@ -74,7 +62,7 @@ void paintCapsule(QPainter& painter, const QRectF& rect, const PillContent& cont
   const double inset = content.isFocused ? ThemedButton::ringInset : 0.5;
   const QRectF capsule = rect.adjusted(inset, inset, -inset, -inset);
   painter.setPen(content.isFocused ? QPen(Qt::NoPen) : penOf(content, palette));
-  painter.setBrush(fillColor(content, palette));
+  painter.setBrush(PillPainter::fillColor(content, palette));
   painter.drawRoundedRect(capsule, capsule.height() / 2, capsule.height() / 2);
 }
 
@@ -112,6 +100,29 @@ QColor PillPainter::tagColor(const QString& tag, const QPalette& palette) {
   const Rgb color = HashtagColor::color(tag.toStdString(), rgbOf(palette.color(ThemeRole::accent)),
                                         rgbOf(palette.color(ThemeRole::alternateAccent)));
   return {color.red, color.green, color.blue};
+}
+
+QColor PillPainter::fillColor(const PillContent& content, const QPalette& palette) {
+  if (content.isSelected == false)
+    return palette.color(content.isPressed   ? ThemeRole::pressed
+                         : content.isHovered ? ThemeRole::hover
+                                             : ThemeRole::surface);
+  const QColor tag = tagColor(content.tag, palette);
+  if (!content.isPressed && !content.isHovered)
+    return tag;
+  return touchedGround(tag, textColor(content, palette), content.isPressed ? 0.25 : 0.12);
+}
+
+QColor PillPainter::textColor(const PillContent& content, const QPalette& palette) {
+  // What can be pressed comes forward under the pointer.
+  if (content.isSelected == false)
+    return palette.color(content.isPressed || content.isHovered ? ThemeRole::primaryText
+                                                                : ThemeRole::secondaryText);
+  // White cannot be read on an accent of middling brightness, and the accents stay as the theme has them.
+  const QColor tag = tagColor(content.tag, palette);
+  const Rgb usual = HashtagColor::contrastingText(rgbOf(tag));
+  const QColor text(usual.red, usual.green, usual.blue);
+  return contrastRatio(text, tag) >= Contrast::text ? text : strongestOn(tag);
 }
 
 MacHashtagPill::MacHashtagPill(PillContent content, QWidget* parent)

@@ -17,6 +17,8 @@ struct PillContent {
   bool isOutlined = false;
   /// The keyboard is on the chip, which shrinks a little inside the focus ring.
   bool isFocused = false;
+  bool isHovered = false;
+  bool isPressed = false;
 
   bool operator==(const PillContent&) const = default;
 };
@@ -30,6 +32,9 @@ namespace PillPainter {
 void paint(QPainter& painter, const QRect& rect, const PillContent& content, const QPalette& palette);
 /// The fill of a tag: one of the theme's accents, the same in any letter case.
 [[nodiscard]] QColor tagColor(const QString& tag, const QPalette& palette);
+/// What the text stands on, and the text.
+[[nodiscard]] QColor fillColor(const PillContent& content, const QPalette& palette);
+[[nodiscard]] QColor textColor(const PillContent& content, const QPalette& palette);
 
 } // namespace PillPainter
 

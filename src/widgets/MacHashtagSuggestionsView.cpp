@@ -47,10 +47,8 @@ class MacHashtagSuggestionsView::Chip : public ThemedButton {
     QPainter painter(this);
     PillContent content = m_content;
     content.isFocused = hasFocus();
-    if (isDown())
-      painter.setOpacity(0.7);
-    else if (underMouse())
-      painter.setOpacity(0.88);
+    content.isPressed = isDown();
+    content.isHovered = underMouse();
     PillPainter::paint(painter, rect(), content, palette());
   }
 

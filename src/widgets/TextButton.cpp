@@ -67,8 +67,7 @@ void TextButton::paintGround(QPainter& painter) const {
   } else if (m_look == Look::primary) {
     const QColor accent = palette().color(ThemeRole::accent);
     const bool isTouched = isDown() || (isEnabled() && underMouse());
-    painter.setBrush(isTouched ? mixed(accent, palette().color(ThemeRole::background), isDown() ? 0.2 : 0.1)
-                               : accent);
+    painter.setBrush(isTouched ? touchedGround(accent, textColor(), isDown() ? 0.2 : 0.1) : accent);
   } else {
     painter.setPen(QPen(palette().color(ThemeRole::outline), 1));
     painter.setBrush(quietGround() == QBrush(Qt::NoBrush) ? palette().brush(ThemeRole::surface)

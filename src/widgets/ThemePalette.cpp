@@ -1,6 +1,10 @@
 #include "widgets/ThemePalette.h"
 
 #include <algorithm>
+#include <array>
+#include <limits>
+#include <ranges>
+#include <vector>
 
 #include "core/HashtagColor.h"
 #include "core/Rgb.h"
@@ -39,21 +43,23 @@ double luminance(const QColor& color) {
   return HashtagColor::relativeLuminance(color.redF(), color.greenF(), color.blueF());
 }
 
-double weakestContrast(const QColor& color, const QColor& background, const QColor& surface) {
-  return std::min(contrastRatio(color, background), contrastRatio(color, surface));
+/// The weakest contrast of a luminance with several others.
+double weakestContrast(double luminance, std::span<const double> others) {
+  double weakest = std::numeric_limits<double>::max();
+  for (const double other : others)
+    weakest = std::min(weakest, (std::max(luminance, other) + 0.05) / (std::min(luminance, other) + 0.05));
+  return weakest;
 }
 
-/// The color, moved towards `anchor` no further than is needed to stand out from both grounds; the anchor
-/// itself when nothing on the way does.
-QColor legible(const QColor& color, const QColor& anchor, const QColor& background, const QColor& surface,
-               double contrast) {
-  constexpr int steps = 20;
-  for (int step = 0; step < steps; ++step) {
-    const QColor candidate = mixed(color, anchor, static_cast<double>(step) / steps);
-    if (weakestContrast(candidate, background, surface) >= contrast)
-      return candidate;
-  }
-  return anchor;
+double weakestContrast(const QColor& color, std::span<const QColor> grounds) {
+  const auto contrasts = grounds | std::views::transform([&color](const QColor& ground) {
+                           return contrastRatio(color, ground);
+                         });
+  return std::ranges::min(contrasts);
+}
+
+std::array<QColor, 2> groundsOf(const QPalette& palette) {
+  return {palette.color(ThemeRole::background), palette.color(ThemeRole::surface)};
 }
 
 void setText(QPalette& palette, QPalette::ColorGroup group, const QColor& color) {
@@ -61,32 +67,64 @@ void setText(QPalette& palette, QPalette::ColorGroup group, const QColor& color)
     palette.setColor(group, role, color);
 }
 
-QPalette paletteOf(const Colors& colors) {
-  const auto onGrounds = [&colors](const QColor& color, double contrast) {
-    return legible(color, colors.primary, colors.background, colors.surface, contrast);
-  };
-  const auto towardsText = [&colors](double amount) { return mixed(colors.surface, colors.primary, amount); };
-  const QColor faint = onGrounds(mixed(colors.secondary, colors.background, 0.25), 3.0);
+/// What is disabled stands back behind its ground, but can be made out.
+QColor faded(const QColor& color, const QColor& ground, std::span<const QColor> grounds) {
+  constexpr double strength = 0.4;
+  return legible(mixed(ground, color, strength), grounds, Contrast::disabled);
+}
 
-  QPalette palette;
+void setGrounds(QPalette& palette, const Colors& colors) {
   palette.setColor(ThemeRole::background, colors.background);
   for (const auto role :
        {ThemeRole::surface, QPalette::AlternateBase, QPalette::Button, QPalette::ToolTipBase})
     palette.setColor(role, colors.surface);
-  palette.setColor(ThemeRole::hover, towardsText(0.04));
-  palette.setColor(ThemeRole::pressed, towardsText(0.08));
+  palette.setColor(ThemeRole::hover, touchedGround(colors.surface, colors.primary, 0.04));
+  palette.setColor(ThemeRole::pressed, touchedGround(colors.surface, colors.primary, 0.08));
   palette.setColor(ThemeRole::separator, mixed(colors.background, colors.primary, 0.12));
   palette.setColor(ThemeRole::outline, mixed(colors.background, colors.primary, 0.28));
-  setText(palette, QPalette::All, colors.primary);
-  setText(palette, QPalette::Disabled, faint);
-  palette.setColor(ThemeRole::secondaryText, colors.secondary);
-  palette.setColor(QPalette::Disabled, ThemeRole::secondaryText, faint);
-  palette.setColor(ThemeRole::placeholder, faint);
+}
+
+/// Many themes take their secondary text from the syntax colours of an editor, where it may be hard to read.
+void setTexts(QPalette& palette, const Colors& colors) {
+  const std::array grounds = {colors.background, colors.surface, rowUnderPointer(palette)};
+  const QColor secondary = legible(colors.secondary, grounds, Contrast::text);
+  const QColor faint = mixed(secondary, colors.background, 0.25);
+  // It says what a field is for, so it is text to be read and not an ornament.
+  const QColor placeholder = legible(faint, grounds, Contrast::text);
+  const QColor disabled = legible(faint, grounds, Contrast::symbol);
+  setText(palette, QPalette::Disabled, disabled);
+  palette.setColor(ThemeRole::secondaryText, secondary);
+  palette.setColor(QPalette::Disabled, ThemeRole::secondaryText, disabled);
+  palette.setColor(ThemeRole::placeholder, placeholder);
+  palette.setColor(QPalette::Disabled, ThemeRole::placeholder, disabled);
+}
+
+void setAccents(QPalette& palette, const Colors& colors) {
+  const QColor tint = mixed(colors.background, colors.accent, selectedTint);
+  const std::array grounds = {colors.background, colors.surface, palette.color(ThemeRole::hover), tint};
+  const QColor ring = legible(colors.accent, grounds, Contrast::symbol);
+  const QColor onAccent = strongestOn(colors.accent);
   palette.setColor(ThemeRole::accent, colors.accent);
   palette.setColor(ThemeRole::alternateAccent, colors.alternateAccent);
-  palette.setColor(ThemeRole::focusRing, onGrounds(colors.accent, 3.0));
+  palette.setColor(ThemeRole::focusRing, ring);
   palette.setColor(QPalette::Highlight, colors.accent);
-  palette.setColor(ThemeRole::onAccent, strongestOn(colors.accent));
+  palette.setColor(ThemeRole::onAccent, onAccent);
+
+  const std::array fadedAccent = {mixed(colors.background, colors.accent, 0.4)};
+  palette.setColor(QPalette::Disabled, ThemeRole::accent, fadedAccent.front());
+  palette.setColor(QPalette::Disabled, ThemeRole::onAccent,
+                   faded(strongestOn(fadedAccent.front()), fadedAccent.front(), fadedAccent));
+  palette.setColor(QPalette::Disabled, ThemeRole::focusRing, faded(ring, colors.surface, grounds));
+}
+
+QPalette paletteOf(Colors colors) {
+  // Only a theme that somebody made can need this; those of the catalog have a legible text.
+  colors.primary = legible(colors.primary, std::array{colors.background, colors.surface}, Contrast::text);
+  QPalette palette;
+  setText(palette, QPalette::All, colors.primary);
+  setGrounds(palette, colors);
+  setTexts(palette, colors);
+  setAccents(palette, colors);
   return palette;
 }
 
@@ -97,10 +135,58 @@ QPalette themePalette(const AppTheme& theme, const QPalette& desktop) {
 }
 
 QColor destructiveColor(const QPalette& palette) {
-  const QColor background = palette.color(ThemeRole::background);
+  const auto [background, surface] = groundsOf(palette);
+  const std::array grounds = {background, surface, palette.color(ThemeRole::hover)};
   const QColor red = luminance(background) < 0.2 ? QColor(255, 105, 97) : QColor(200, 30, 30);
-  return legible(red, palette.color(ThemeRole::primaryText), background, palette.color(ThemeRole::surface),
-                 4.5);
+  const QColor readable = legible(red, grounds, Contrast::text);
+  return palette.currentColorGroup() == QPalette::Disabled ? faded(readable, surface, grounds) : readable;
+}
+
+QColor controlOutline(const QPalette& palette) {
+  const auto grounds = groundsOf(palette);
+  const QColor outline = palette.color(ThemeRole::outline);
+  const bool isDisabled = palette.currentColorGroup() == QPalette::Disabled;
+  return legible(outline, grounds, isDisabled ? Contrast::disabled : Contrast::symbol);
+}
+
+QColor rowUnderPointer(const QPalette& palette) {
+  return touchedGround(palette.color(ThemeRole::background), palette.color(ThemeRole::primaryText), 0.025);
+}
+
+QColor quietFocusRing(const QPalette& palette) {
+  const QColor ring = palette.color(ThemeRole::focusRing);
+  const QColor quiet = mixed(ring, palette.color(ThemeRole::background), 0.4);
+  return weakestContrast(quiet, groundsOf(palette)) >= Contrast::symbol ? quiet : ring;
+}
+
+QColor scrollThumb(const QPalette& palette) {
+  const QColor thumb = mixed(palette.color(ThemeRole::surface), palette.color(ThemeRole::primaryText), 0.28);
+  return legible(thumb, groundsOf(palette), Contrast::symbol);
+}
+
+QColor touchedGround(const QColor& ground, const QColor& text, double amount) {
+  const QColor towards = mixed(ground, text, amount);
+  return contrastRatio(text, towards) >= Contrast::text ? towards : mixed(ground, strongestOn(text), amount);
+}
+
+QColor legible(const QColor& color, std::span<const QColor> grounds, double contrast) {
+  std::vector<double> luminances;
+  std::ranges::transform(grounds, std::back_inserter(luminances), luminance);
+  QColor best = color;
+  double bestContrast = weakestContrast(luminance(color), luminances);
+  constexpr int steps = 100; // Each as fine as a screen can show.
+  for (int step = 1; bestContrast < contrast && step <= steps; ++step) {
+    for (const QColor end : {QColor(Qt::white), QColor(Qt::black)}) {
+      // Measured as it will be shown, with eight bits a channel.
+      const QColor candidate(mixed(color, end, static_cast<double>(step) / steps).rgb());
+      const double reached = weakestContrast(luminance(candidate), luminances);
+      if (reached <= bestContrast)
+        continue;
+      best = candidate;
+      bestContrast = reached;
+    }
+  }
+  return best;
 }
 
 QColor mixed(const QColor& from, const QColor& to, double amount) {

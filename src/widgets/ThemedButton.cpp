@@ -32,10 +32,7 @@ void ThemedButton::keyPressEvent(QKeyEvent* event) {
 }
 
 void ThemedButton::prepare(QPainter& painter) const {
-  constexpr double disabledOpacity = 0.4;
   painter.setRenderHint(QPainter::Antialiasing);
-  if (!isEnabled())
-    painter.setOpacity(disabledOpacity);
 }
 
 QBrush ThemedButton::quietGround() const {

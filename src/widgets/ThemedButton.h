@@ -23,7 +23,7 @@ class ThemedButton : public QAbstractButton {
  protected:
   void keyPressEvent(QKeyEvent* event) override;
 
-  /// A painter made ready for this button, faded while it is disabled.
+  /// Makes a painter ready for this button.
   void prepare(QPainter& painter) const;
   /// The quiet ground under the pointer or finger; nothing at rest.
   [[nodiscard]] QBrush quietGround() const;

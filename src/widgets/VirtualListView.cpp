@@ -335,8 +335,7 @@ void VirtualListView::paintEvent(QPaintEvent* event) {
 /// The keyboard is in the list and in no row of it.
 void VirtualListView::paintFocus(QPainter& painter) const {
   QPalette quiet = palette();
-  quiet.setColor(ThemeRole::focusRing,
-                 mixed(palette().color(ThemeRole::focusRing), palette().color(ThemeRole::background), 0.4));
+  quiet.setColor(ThemeRole::focusRing, quietFocusRing(palette()));
   painter.setRenderHint(QPainter::Antialiasing);
   ThemedButton::paintFocusRing(painter, viewport()->rect().adjusted(2, 2, -2, -2), 10, quiet);
 }

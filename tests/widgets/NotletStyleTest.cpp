@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <QCheckBox>
+#include <QLineEdit>
 #include <QScrollBar>
 #include <QTest>
+
+#include "themes/AppThemeCatalog.h"
+#include "widgets/ThemePalette.h"
 
 namespace notlet {
 
@@ -44,6 +49,30 @@ TEST(NotletStyle, AClickBesideTheThumbMovesByAPage) {
   bar.setValue(900);
   QTest::mouseClick(&bar, Qt::LeftButton, {}, QPoint(5, 0));
   EXPECT_EQ(bar.value(), 800);
+}
+
+// A style that derives its lines from the window's colour loses them where that is nearly black.
+TEST(NotletStyle, AnEmptyFieldAndABoxToTickCanBeMadeOut) {
+  NotletStyle style;
+  for (const char* id : {"ink", "arcade", "one-dark", "paper", "butter"}) {
+    const QPalette palette = themePalette(AppThemeCatalog::themeWithID(id), QPalette());
+    QLineEdit field;
+    QCheckBox box;
+    for (QWidget* control : {static_cast<QWidget*>(&field), static_cast<QWidget*>(&box)}) {
+      control->setStyle(&style);
+      control->setPalette(palette);
+      control->resize(100, 30);
+      const QImage image = control->grab().toImage();
+      double strongest = 0;
+      for (int y = 0; y < image.height(); ++y)
+        strongest =
+            std::max(strongest, contrastRatio(image.pixelColor(8, y), palette.color(ThemeRole::background)));
+      EXPECT_GE(strongest, 3.0) << id;
+    }
+    const QImage empty = box.grab().toImage();
+    box.setChecked(true);
+    EXPECT_NE(box.grab().toImage(), empty);
+  }
 }
 
 } // namespace notlet

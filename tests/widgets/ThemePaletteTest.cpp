@@ -3,14 +3,9 @@
 #include <QGuiApplication>
 #include <gmock/gmock.h>
 
-#include "themes/AppThemeCatalog.h"
+#include "widgets/CatalogParameters.h"
 
 namespace notlet {
-
-void PrintTo(const AppTheme& theme, std::ostream* out) {
-  *out << theme.id;
-}
-
 namespace {
 
 QPalette desktopPalette() {
@@ -37,22 +32,9 @@ TEST_P(EveryThemeTest, CatalogColoursArePassedOnAsTheyAre) {
     EXPECT_EQ(palette.color(group, ThemeRole::surface), colorFromHex(theme.surfaceHex));
     EXPECT_EQ(palette.color(group, ThemeRole::primaryText), colorFromHex(theme.primaryHex));
     EXPECT_EQ(palette.color(group, QPalette::Text), colorFromHex(theme.primaryHex));
-    EXPECT_EQ(palette.color(group, ThemeRole::secondaryText), colorFromHex(theme.secondaryHex));
     EXPECT_EQ(palette.color(group, ThemeRole::accent), colorFromHex(theme.accentHex));
     EXPECT_EQ(palette.color(group, ThemeRole::alternateAccent), colorFromHex(theme.alternateAccentHex));
   }
-}
-
-TEST_P(EveryThemeTest, DerivedColoursCanBeRead) {
-  const QPalette palette = themePalette(GetParam(), desktopPalette());
-  EXPECT_GE(onBoth(palette, palette.color(ThemeRole::primaryText)), 4.5);
-  EXPECT_GE(onBoth(palette, palette.color(ThemeRole::placeholder)), 3.0);
-  EXPECT_GE(onBoth(palette, palette.color(QPalette::Disabled, QPalette::WindowText)), 3.0);
-  EXPECT_GE(onBoth(palette, palette.color(ThemeRole::focusRing)), 3.0);
-  EXPECT_GE(onBoth(palette, destructiveColor(palette)), 4.5);
-  EXPECT_GE(contrastRatio(palette.color(ThemeRole::onAccent), palette.color(ThemeRole::accent)), 4.5);
-  for (const auto ground : {ThemeRole::hover, ThemeRole::pressed})
-    EXPECT_GE(contrastRatio(palette.color(ThemeRole::primaryText), palette.color(ground)), 4.5);
 }
 
 TEST_P(EveryThemeTest, LinesAndGroundsAreThereButQuiet) {
@@ -67,13 +49,7 @@ TEST_P(EveryThemeTest, LinesAndGroundsAreThereButQuiet) {
   EXPECT_NE(palette.color(ThemeRole::pressed), palette.color(ThemeRole::hover));
 }
 
-std::string nameOf(const testing::TestParamInfo<AppTheme>& theme) {
-  std::string name = theme.param.id;
-  std::ranges::replace(name, '-', '_');
-  return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Catalog, EveryThemeTest, testing::ValuesIn(AppThemeCatalog::themes()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Catalog, EveryThemeTest, everyTheme(), themeTestName);
 
 TEST(ThemePaletteTest, FollowingTheSystemTakesAllButTheAlternateAccentFromTheDesktop) {
   AppTheme theme = AppThemeCatalog::themeWithID("dracula");
@@ -88,11 +64,13 @@ TEST(ThemePaletteTest, FollowingTheSystemTakesAllButTheAlternateAccentFromTheDes
   EXPECT_GE(onBoth(palette, palette.color(ThemeRole::secondaryText)), 4.5);
 }
 
-TEST(ThemePaletteTest, AThemeWithoutAnyContrastStillGivesAPalette) {
+TEST(ThemePaletteTest, AThemeWithoutAnyContrastIsMadeLegible) {
   AppTheme theme = AppThemeCatalog::themeWithID("ink");
   theme.backgroundHex = theme.surfaceHex = theme.primaryHex = theme.secondaryHex = theme.accentHex = "808080";
   const QPalette palette = themePalette(theme, desktopPalette());
-  EXPECT_EQ(palette.color(ThemeRole::focusRing), QColor(0x80, 0x80, 0x80));
+  EXPECT_EQ(palette.color(ThemeRole::background), QColor(0x80, 0x80, 0x80));
+  EXPECT_GE(onBoth(palette, palette.color(ThemeRole::primaryText)), 4.5);
+  EXPECT_GE(onBoth(palette, palette.color(ThemeRole::focusRing)), 3.0);
   EXPECT_EQ(palette.color(ThemeRole::onAccent), QColor(Qt::black));
 }
 

@@ -60,11 +60,10 @@ class ArchiveHashtagBar::Chip : public ThemedButton {
 
   void paintEvent(QPaintEvent*) override {
     QPainter painter(this);
-    if (isDown())
-      painter.setOpacity(0.7);
-    else if (underMouse())
-      painter.setOpacity(0.88);
-    PillPainter::paint(painter, rect(), m_content, palette());
+    PillContent content = m_content;
+    content.isPressed = isDown();
+    content.isHovered = underMouse();
+    PillPainter::paint(painter, rect(), content, palette());
   }
 
  private:

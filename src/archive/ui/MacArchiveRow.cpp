@@ -67,7 +67,7 @@ void MacArchiveRow::paint(QPainter& painter, const QRect& rect, const QPalette& 
     ground = palette.color(ThemeRole::surface);
     paintRowCard(painter, rect, palette, state.isFocused);
   } else if (state.isHovered) {
-    ground = mixed(ground, palette.color(ThemeRole::primaryText), 0.025);
+    ground = rowUnderPointer(palette);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(ground);

@@ -42,7 +42,7 @@ void RowEditor::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setBrush(palette().brush(ThemeRole::surface));
-  painter.setPen(QPen(palette().color(ThemeRole::outline), 1));
+  painter.setPen(QPen(controlOutline(palette()), 1));
   painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
   if (m_edit->hasFocus())
     ThemedButton::paintFocusRing(painter, rect(), radius, palette());

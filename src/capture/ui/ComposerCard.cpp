@@ -24,17 +24,8 @@ constexpr int innerMargin = 12;
 constexpr int rowOverhang = 6;
 constexpr int narrowestHint = 200;
 constexpr int leastLines = 2;
-constexpr double legibleContrast = 3.0;
 
 const QString hintText = QStringLiteral("Return to save · Shift Return for new line");
-
-/// The editor has the focus most of the time, so its ring is as quiet as it can be and still be seen.
-QColor ringColor(const QPalette& palette) {
-  const QColor ring = palette.color(ThemeRole::focusRing);
-  const QColor surface = palette.color(ThemeRole::surface);
-  const QColor quiet = mixed(ring, surface, 0.4);
-  return contrastRatio(quiet, surface) >= legibleContrast ? quiet : ring;
-}
 
 } // namespace
 
@@ -197,7 +188,8 @@ void ComposerCard::paintEvent(QPaintEvent*) {
   const bool isFocused = m_editor->hasFocus();
   const qreal lineWidth = isFocused ? 1.5 : 1.0;
   painter.setBrush(palette().color(ThemeRole::surface));
-  painter.setPen(QPen(isFocused ? ringColor(palette()) : palette().color(ThemeRole::separator), lineWidth));
+  painter.setPen(
+      QPen(isFocused ? quietFocusRing(palette()) : palette().color(ThemeRole::separator), lineWidth));
   const qreal inset = lineWidth / 2;
   painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), cornerRadius, cornerRadius);
 }
