@@ -155,7 +155,7 @@ QColor rowUnderPointer(const QPalette& palette) {
 
 QColor quietFocusRing(const QPalette& palette) {
   const QColor ring = palette.color(ThemeRole::focusRing);
-  const QColor quiet = mixed(ring, palette.color(ThemeRole::background), 0.4);
+  const QColor quiet = mixed(ring, palette.color(ThemeRole::surface), 0.4);
   return weakestContrast(quiet, groundsOf(palette)) >= Contrast::symbol ? quiet : ring;
 }
 
