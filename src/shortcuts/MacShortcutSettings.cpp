@@ -33,6 +33,10 @@ MacShortcutSettings::MacShortcutSettings(std::optional<fs::path> directory, File
   reload();
 }
 
+std::optional<fs::path> MacShortcutSettings::location() const {
+  return m_directory ? std::optional(file()) : std::nullopt;
+}
+
 void MacShortcutSettings::setErrorMessage(std::optional<std::string> message) {
   if (m_errorMessage == message)
     return;

@@ -24,6 +24,8 @@ class MacShortcutSettings : public QObject {
                       QObject* parent = nullptr);
 
   [[nodiscard]] const MacShortcutConfig& config() const { return m_config; }
+  /// Where the file is, or will be; nothing when there is no place for it.
+  [[nodiscard]] std::optional<std::filesystem::path> location() const;
   /// Why the last load or save failed, or what else went wrong with the keyboard, as whole sentences (UTF-8).
   [[nodiscard]] const std::optional<std::string>& errorMessage() const { return m_errorMessage; }
   void setErrorMessage(std::optional<std::string> message);
