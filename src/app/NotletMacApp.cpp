@@ -9,6 +9,8 @@
 #include "navigation/ui/MacMainView.h"
 #include "shell/ui/MacFloatingBubbleView.h"
 #include "shell/ui/MacStorageUnavailableView.h"
+#include "shortcuts/ui/MacSettingsView.h"
+#include "shortcuts/ui/ShortcutForm.h"
 #include "themes/ui/PlainThemeList.h"
 #include "widgets/Alert.h"
 #include "widgets/AppIcon.h"
@@ -44,7 +46,11 @@ NotletMacApp::NotletMacApp(const Places& places)
       m_settings(m_sharedDefaults),
       m_shortcutSettings(places.configuration, m_fileOpener),
       m_coordinator({m_notificationCenter, m_shortcutSettings, m_steadyClock, m_focusedWidget}),
-      m_keyMonitor([this](const KeyPress& press) { return m_coordinator.handle(press); }),
+      m_shortcutDraft(m_shortcutSettings),
+      m_settingsScreen(m_shortcutDraft, m_focusedWidget),
+      m_keyMonitor([this](const KeyPress& press) {
+        return m_settingsScreen.handle(press) || m_coordinator.handle(press);
+      }),
       m_navigation(m_notificationCenter, m_coordinator),
       m_storage(places.data),
       m_mainCapture{{draftDirectory(places), "main-window", m_scheduler}, nullptr},
@@ -72,6 +78,7 @@ NotletMacApp::~NotletMacApp() {
   m_floatingPanel.reset();
   m_shellWindows.reset();
   m_popover.reset();
+  m_settingsWindow.reset();
   m_mainWindow.reset();
   m_archiveBrowser.reset();
   m_archiveIndex.reset();
@@ -167,13 +174,13 @@ QWidget* NotletMacApp::makePanelContent() {
                                            controller->captureDragEnded();
                                        },
                                    .placesWindows = placesWindows});
-  addQuitKey(view);
+  addProgramKeys(view);
   return view;
 }
 
 void NotletMacApp::connectWindows() {
-  addQuitKey(m_mainWindow.get());
-  addQuitKey(m_popover.get());
+  addProgramKeys(m_mainWindow.get());
+  addProgramKeys(m_popover.get());
   connect(m_mainWindow.get(), &MainWindow::closeRequested, this, &NotletMacApp::closeMainWindow);
   connect(m_popover.get(), &PopoverWindow::closed, m_delegate.get(),
           [this](PopoverWindow::CloseReason reason) {
@@ -182,14 +189,34 @@ void NotletMacApp::connectWindows() {
               m_delegate->popoverClosedByItself();
           });
   connect(m_delegate.get(), &NotletMacAppDelegate::quitRequested, this, &NotletMacApp::quit);
-  connect(m_delegate.get(), &NotletMacAppDelegate::settingsRequested, &m_shortcutSettings,
-          &MacShortcutSettings::openConfigFile);
+  connect(m_delegate.get(), &NotletMacAppDelegate::settingsRequested, this, &NotletMacApp::openSettings);
 }
 
 // Each window has its own: the shortcuts of a window that is hidden are not in force.
-void NotletMacApp::addQuitKey(QWidget* widget) {
-  auto* key = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q), widget);
-  connect(key, &QShortcut::activated, this, &NotletMacApp::quit);
+void NotletMacApp::addProgramKeys(QWidget* window) {
+  const auto add = [this, window](QKeyCombination keys, void (NotletMacApp::*action)()) {
+    connect(new QShortcut(QKeySequence(keys), window), &QShortcut::activated, this, action);
+  };
+  add(Qt::CTRL | Qt::Key_Q, &NotletMacApp::quit);
+  add(Qt::CTRL | Qt::Key_Comma, &NotletMacApp::openSettings);
+}
+
+void NotletMacApp::openSettings() {
+  if (!m_settingsWindow)
+    makeSettingsWindow();
+  m_settingsScreen.open();
+  m_settingsWindow->reveal();
+  m_desktop.windowSystem().activate(m_settingsWindow->winId());
+}
+
+void NotletMacApp::makeSettingsWindow() {
+  const std::string location = m_shortcutSettings.location().value_or("There is no home folder.").string();
+  auto* form =
+      new ShortcutForm(m_shortcutDraft, fromUtf8(location), [this] { return m_desktop.capabilities(); });
+  m_settingsWindow = std::make_unique<SettingsWindow>(
+      m_settings, m_settingsScreen, m_shortcutDraft,
+      new MacSettingsView(m_settingsScreen, makeSection(MacSection::themes), form));
+  addProgramKeys(m_settingsWindow.get());
 }
 
 void NotletMacApp::connectDesktop() {

@@ -31,6 +31,9 @@
 #include "shell/ui/ShellWindows.h"
 #include "shortcuts/MacShortcutCoordinator.h"
 #include "shortcuts/MacShortcutSettings.h"
+#include "shortcuts/SettingsScreen.h"
+#include "shortcuts/ShortcutSettingsDraft.h"
+#include "shortcuts/ui/SettingsWindow.h"
 #include "storage/MacStorage.h"
 #include "themes/AppSettings.h"
 
@@ -73,7 +76,9 @@ class NotletMacApp : public QObject {
   [[nodiscard]] bool isStoreOpen();
 
   void connectWindows();
-  void addQuitKey(QWidget* widget);
+  void addProgramKeys(QWidget* window);
+  void openSettings();
+  void makeSettingsWindow();
   void connectDesktop();
   void connectMessages();
   void showNotice();
@@ -99,6 +104,8 @@ class NotletMacApp : public QObject {
   MacShortcutSettings m_shortcutSettings;
   FocusedWidget m_focusedWidget;
   MacShortcutCoordinator m_coordinator;
+  ShortcutSettingsDraft m_shortcutDraft;
+  SettingsScreen m_settingsScreen;
   KeyMonitor m_keyMonitor;
   MainNavigation m_navigation;
 
@@ -116,6 +123,8 @@ class NotletMacApp : public QObject {
   std::string m_explanation;
   std::unique_ptr<MainWindow> m_mainWindow;
   std::unique_ptr<PopoverWindow> m_popover;
+  /// Made when it is first asked for.
+  std::unique_ptr<SettingsWindow> m_settingsWindow;
   std::unique_ptr<ShellWindows> m_shellWindows;
   std::unique_ptr<FloatingPanelWindows> m_floatingPanel;
   std::unique_ptr<MacFloatingPanelController> m_floatingPanelController;
