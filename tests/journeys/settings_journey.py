@@ -117,6 +117,28 @@ class SettingsJourney(Journey):
         self.desktop.keys("ctrl+s", "b")
         self.desktop.control("label", "No notlets yet")
 
+    def test_every_window_opens_them(self):
+        self.start_in_background()
+        self.open_popover()
+        self.desktop.type("kept")
+        self.show_settings()
+        self.await_draft("popover", "kept")
+        self.desktop.keys("ctrl+comma", "Escape")
+        self.await_gone(WINDOW)
+        self.assert_stays(lambda: self.program.poll() is None)
+
+    def test_a_timeout_in_steps_and_keys_of_the_keyboard_alone(self):
+        self.open_settings()
+        self.desktop.click(self.field("Shortcut"))
+        self.desktop.keys("Tab", "Tab", "Tab", "space", "space", "shift+Tab", "Return")
+        self.desktop.control("label", "Timeout: 1300 ms", within=WINDOW)
+        self.desktop.click(self.field("Shortcut"))
+        self.desktop.keys("Tab", "space")
+        self.desktop.control("push button", "Press the key for Shortcut", within=WINDOW)
+        self.desktop.keys("ctrl+super+Up", "shift+Tab", "Return")
+        await_value(lambda: self.config()["leader"] == "control+command+up", "the key in the file")
+        self.assertEqual(self.config()["leaderTimeoutMilliseconds"], 1300)
+
     def test_what_is_edited_by_hand_meets_an_untouched_form(self):
         self.open_settings()
         config = self.config()
