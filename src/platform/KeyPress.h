@@ -42,6 +42,8 @@ struct KeyPress {
   std::optional<std::string> latinCharacters;
   /// Bits of KeyModifier.
   std::uint32_t modifiers = 0;
+  /// It comes again because the key is held.
+  bool isRepeat = false;
 
   bool operator==(const KeyPress&) const = default;
 };

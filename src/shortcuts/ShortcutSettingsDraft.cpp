@@ -113,6 +113,10 @@ void ShortcutSettingsDraft::stopRecording() {
 
 bool ShortcutSettingsDraft::record(const KeyPress& press) {
   const std::optional<ShortcutField> field = m_state.recording;
+  // The key that asked for a recording is no answer to it, and one that was recorded has done its work.
+  if (press.isRepeat)
+    return field || m_isRecordedKeyHeld;
+  m_isRecordedKeyHeld = field.has_value();
   if (!field)
     return false;
   if (press.keyCode == KeyCode::escape && (press.modifiers & KeyModifier::mask) == 0) {

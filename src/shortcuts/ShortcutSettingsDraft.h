@@ -60,7 +60,7 @@ class ShortcutSettingsDraft : public QObject {
   void toggleRecording(ShortcutField field);
   void stopRecording();
   /// Takes the key into the field that is being recorded; Escape ends the recording. True when the key was
-  /// meant for this, and must do nothing else.
+  /// meant for this, and must do nothing else, also while it is held afterwards.
   bool record(const KeyPress& press);
 
  Q_SIGNALS:
@@ -74,6 +74,8 @@ class ShortcutSettingsDraft : public QObject {
 
   MacShortcutSettings& m_settings;
   State m_state;
+  /// The key pressed last was for a recording.
+  bool m_isRecordedKeyHeld = false;
 };
 
 } // namespace notlet

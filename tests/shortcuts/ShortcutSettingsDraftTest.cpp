@@ -152,6 +152,28 @@ TEST_F(ShortcutSettingsDraftTest, OneKeyIsRecordedAndNoOtherIsTaken) {
   EXPECT_FALSE(draft.record(typed("n")));
 }
 
+TEST_F(ShortcutSettingsDraftTest, AHeldKeyIsNoSecondPress) {
+  const auto held = [](KeyPress press) {
+    press.isRepeat = true;
+    return press;
+  };
+  EXPECT_FALSE(draft.record(held(typed("x"))));
+  draft.toggleRecording(ShortcutField::next);
+  EXPECT_TRUE(draft.record(held({KeyCode::returnKey, std::nullopt, std::nullopt, 0})))
+      << "it pressed the button";
+  EXPECT_EQ(draft.state().recording, ShortcutField::next);
+  const KeyPress quits = typed("q", KeyModifier::control);
+  draft.toggleRecording(ShortcutField::leader);
+  EXPECT_TRUE(draft.record(quits));
+  EXPECT_TRUE(draft.record(held(quits)));
+  EXPECT_FALSE(draft.record(quits));
+  EXPECT_FALSE(draft.record(held(quits)));
+
+  draft.toggleRecording(ShortcutField::next);
+  EXPECT_TRUE(draft.record(escape));
+  EXPECT_TRUE(draft.record(held(escape))) << "it would close the window";
+}
+
 TEST_F(ShortcutSettingsDraftTest, NothingIsAnnouncedWhenNothingChanges) {
   const QSignalSpy changes(&draft, &ShortcutSettingsDraft::changed);
   draft.setText(ShortcutField::leader, "control+s");

@@ -153,6 +153,7 @@ std::optional<KeyPress> keyPressOf(const QKeyEvent& event) {
     press.keyCode = placed->keyCode;
   press.characters = charactersOf(event);
   press.latinCharacters = latinCharactersOf(event);
+  press.isRepeat = event.isAutoRepeat();
   for (const auto& [held, modifier] : heldModifiers) {
     if (event.modifiers().testFlag(held))
       press.modifiers |= modifier;

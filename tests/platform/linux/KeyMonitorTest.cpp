@@ -140,6 +140,13 @@ TEST(KeyPressOf, ModifiersAreNoKeys) {
         << symbol;
 }
 
+TEST(KeyPressOf, AHeldKeyIsToldFromAPressedOne) {
+  for (const bool isHeld : {false, true}) {
+    const QKeyEvent event(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"), isHeld);
+    EXPECT_EQ(keyPressOf(event).value().isRepeat, isHeld);
+  }
+}
+
 class KeyMonitorTest : public testing::Test {
  protected:
   KeyMonitorTest() {
