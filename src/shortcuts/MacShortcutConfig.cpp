@@ -4,7 +4,7 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 
-#include "core/Text.h"
+#include "platform/JsonText.h"
 #include "shortcuts/MacKeyCombination.h"
 
 namespace notlet {
@@ -14,10 +14,6 @@ namespace {
 using Json = nlohmann::json;
 using Commands = MacShortcutConfig::Commands;
 using ArchiveNavigation = MacShortcutConfig::ArchiveNavigation;
-
-/// A file is four levels deep at most; what lies deeper can only be meant to exhaust the stack.
-constexpr std::size_t deepestNesting = 64;
-constexpr std::size_t longestComplaint = 300;
 
 /// One key of a group, and what a file of an older version means that lacks it.
 template<typename Group>
@@ -54,56 +50,6 @@ std::string quoted(std::string_view path) {
 
 std::unexpected<Error> missing(std::string_view path) {
   return failure(quoted(path) + " is missing.");
-}
-
-/// Looks only at brackets outside of strings, so that it is right for every text that is JSON.
-bool isNestedTooDeeply(std::string_view json) {
-  std::size_t depth = 0;
-  bool inString = false;
-  for (std::size_t at = 0; at < json.size(); ++at) {
-    const char character = json[at];
-    if (inString && character == '\\')
-      ++at;
-    else if (character == '"')
-      inString = !inString;
-    else if (!inString && (character == '{' || character == '['))
-      ++depth;
-    else if (!inString && (character == '}' || character == ']'))
-      depth -= depth > 0 ? 1 : 0;
-    if (depth > deepestNesting)
-      return true;
-  }
-  return false;
-}
-
-/// The parser's words without their number. It quotes the file, which may be one long word, and may break off
-/// in the midst of a character.
-std::string complaint(const Json::exception& exception) {
-  std::string_view text = exception.what();
-  if (const std::size_t end = text.find("] "); text.starts_with('[') && end != std::string_view::npos)
-    text.remove_prefix(end + 2);
-  std::string words;
-  while (!text.empty() && words.size() < longestComplaint) {
-    const CodePoint character = firstCodePoint(text);
-    words.append(character.value == U'\uFFFD' ? "\uFFFD" : text.substr(0, character.length));
-    text.remove_prefix(character.length);
-  }
-  return words + (text.empty() ? "." : "….");
-}
-
-Result<Json> parse(std::string_view json) {
-  if (json.size() > MacShortcutConfig::largestFile)
-    return failure("The file is too large.");
-  // The parser would take a null byte for the end of the file.
-  if (!isValidUtf8(json) || json.contains('\0'))
-    return failure("The file is not valid UTF-8 text.");
-  if (isNestedTooDeeply(json))
-    return failure("The file is nested too deeply.");
-  try {
-    return Json::parse(json);
-  } catch (const Json::exception& exception) {
-    return failure(complaint(exception));
-  }
 }
 
 /// The member, or null when it is absent: for optional ones both mean the same.
@@ -198,7 +144,7 @@ const MacShortcutConfig& MacShortcutConfig::defaults() {
 }
 
 Result<MacShortcutConfig> MacShortcutConfig::decode(std::string_view json) {
-  const Result<Json> file = parse(json);
+  const Result<Json> file = parseJsonText(json, MacShortcutConfig::largestFile);
   if (!file)
     return std::unexpected(file.error());
   if (!file->is_object())
@@ -241,7 +187,7 @@ std::optional<std::string> MacShortcutConfig::validationMessage() const {
 }
 
 Result<MacShortcutConfigUpgrade> upgraded(MacShortcutConfig config, std::string_view json) {
-  const Result<Json> file = parse(json);
+  const Result<Json> file = parseJsonText(json, MacShortcutConfig::largestFile);
   if (!file)
     return std::unexpected(file.error());
   MacShortcutConfigUpgrade upgrade{std::move(config), !isComplete(*file)};

@@ -1,17 +1,16 @@
 #include "themes/ThemeConfigurationDocument.h"
 
 #include <array>
-#include <nlohmann/json.hpp>
+#include <limits>
 
 #include "platform/DurableFile.h"
+#include "platform/JsonText.h"
 
 namespace notlet {
 
 namespace {
 
 using Json = nlohmann::json;
-
-constexpr std::size_t largestFile = 64U << 20U;
 
 struct TextField {
   const char* key;
@@ -83,23 +82,36 @@ std::string encode(const std::vector<AppTheme>& themes, int indent) {
   return array.dump(indent, ' ', false, Json::error_handler_t::replace);
 }
 
-} // namespace
-
-Result<ThemeConfigurationDocument> ThemeConfigurationDocument::read(std::string_view json) {
-  const Json parsed = Json::parse(json, nullptr, false);
-  if (parsed.is_discarded())
-    return failure("The file is not valid JSON.");
-  if (!parsed.is_array())
+Result<ThemeConfigurationDocument> decode(std::string_view json, std::size_t largest,
+                                          std::size_t mostThemes) {
+  const Result<Json> parsed = parseJsonText(json, largest);
+  if (!parsed)
+    return failure("The file cannot be read: " + parsed.error().message);
+  if (!parsed->is_array())
     return failure("The file holds no list of themes.");
+  if (parsed->size() > mostThemes)
+    return failure("The file holds " + std::to_string(parsed->size()) + " themes. At most " +
+                   std::to_string(mostThemes) + " can be imported at once.");
   ThemeConfigurationDocument document;
-  document.themes.reserve(parsed.size());
-  for (std::size_t index = 0; index < parsed.size(); ++index) {
-    auto theme = decodeTheme(parsed[index], index);
+  document.themes.reserve(parsed->size());
+  for (std::size_t index = 0; index < parsed->size(); ++index) {
+    auto theme = decodeTheme((*parsed)[index], index);
     if (!theme)
       return std::unexpected(theme.error());
     document.themes.push_back(std::move(*theme));
   }
   return document;
+}
+
+} // namespace
+
+Result<ThemeConfigurationDocument> ThemeConfigurationDocument::read(std::string_view json) {
+  constexpr std::size_t any = std::numeric_limits<std::size_t>::max();
+  return decode(json, any, any);
+}
+
+Result<ThemeConfigurationDocument> ThemeConfigurationDocument::readFileContents(std::string_view json) {
+  return decode(json, largestFile, mostThemesInFile);
 }
 
 Result<ThemeConfigurationDocument> ThemeConfigurationDocument::readFile(const std::filesystem::path& file) {
@@ -108,8 +120,8 @@ Result<ThemeConfigurationDocument> ThemeConfigurationDocument::readFile(const st
     return std::unexpected(contents.error());
   const std::optional<std::string>& text = *contents;
   if (!text)
-    return failure("The file " + file.string() + " does not exist.");
-  return read(*text);
+    return failure("“" + file.string() + "” does not exist.");
+  return readFileContents(*text);
 }
 
 std::string ThemeConfigurationDocument::json() const {

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include "fuzz/ThemeFileCheck.h"
 #include "themes/AppThemeCatalog.h"
 
 namespace notlet {
@@ -103,6 +104,23 @@ TEST(ThemeConfigurationDocumentTest, OnlyARegularFileCanBeRead) {
   ASSERT_TRUE(document.writeFile(folder / "notlet-themes.json"));
   EXPECT_EQ(ThemeConfigurationDocument::readFile(folder / "notlet-themes.json"), document);
   EXPECT_FALSE(document.writeFile(folder / "missing" / "themes.json"));
+}
+
+TEST(ThemeConfigurationDocumentTest, TheFuzzersCorpusKeepsItsPromises) {
+  int files = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(NOTLET_THEME_CORPUS)) {
+    std::ifstream file(entry.path(), std::ios::binary);
+    const std::string bytes(std::istreambuf_iterator<char>(file), {});
+    EXPECT_EQ(complaintAboutThemeFile(bytes), std::nullopt) << entry.path();
+    ++files;
+  }
+  EXPECT_GE(files, 10);
+}
+
+TEST(ThemeConfigurationDocumentTest, WhatIsStoredMayHoldMoreThemesThanAFile) {
+  const ThemeConfigurationDocument document{std::vector(1001, AppThemeCatalog::themeWithID("nord"))};
+  EXPECT_EQ(ThemeConfigurationDocument::read(document.compactJson()), document);
+  EXPECT_FALSE(ThemeConfigurationDocument::readFileContents(document.compactJson()));
 }
 
 } // namespace
