@@ -11,7 +11,8 @@
 #include "shell/ui/MacStorageUnavailableView.h"
 #include "shortcuts/ui/MacSettingsView.h"
 #include "shortcuts/ui/ShortcutForm.h"
-#include "themes/ui/PlainThemeList.h"
+#include "themes/ThemeFilter.h"
+#include "themes/ui/ThemeSettingsView.h"
 #include "widgets/Alert.h"
 #include "widgets/AppIcon.h"
 #include "widgets/Motion.h"
@@ -138,7 +139,7 @@ QWidget* NotletMacApp::makeSection(MacSection section) {
   case MacSection::archive:
     return new MacArchiveView(*m_archiveBrowser);
   case MacSection::themes:
-    return new PlainThemeList(m_settings);
+    return new ThemeSettingsView({m_settings, m_fileChooser, userLocaleName()});
   case MacSection::notlet:
     break;
   }

@@ -22,6 +22,7 @@
 #include "platform/linux/FocusedWidget.h"
 #include "platform/linux/KeyMonitor.h"
 #include "shell/DesktopLimits.h"
+#include "platform/linux/QtFileChooser.h"
 #include "shell/MacFloatingPanelController.h"
 #include "shell/NotletMacAppDelegate.h"
 #include "shell/WindowLife.h"
@@ -101,6 +102,7 @@ class NotletMacApp : public QObject {
   Desktop m_desktop;
 
   DesktopFileOpener m_fileOpener;
+  QtFileChooser m_fileChooser;
   MacShortcutSettings m_shortcutSettings;
   FocusedWidget m_focusedWidget;
   MacShortcutCoordinator m_coordinator;
