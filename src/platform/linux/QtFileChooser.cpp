@@ -14,12 +14,17 @@ QWidget* widgetInUse() {
   return focused != nullptr ? focused : QApplication::activeWindow();
 }
 
+QString firstFolder() {
+  const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+  return QFileInfo(documents).isDir() ? documents : QDir::homePath();
+}
+
 QFileDialog* makeDialog(const std::string& title, QFileDialog::AcceptMode mode) {
   auto* dialog = new QFileDialog(widgetInUse(), QString::fromStdString(title));
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->setAcceptMode(mode);
   dialog->setMimeTypeFilters({QStringLiteral("application/json")});
-  dialog->setDirectory(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+  dialog->setDirectory(firstFolder());
   return dialog;
 }
 

@@ -58,7 +58,6 @@ QLabel* makeLabel(const QString& text, TextStyle style, QPalette::ColorRole role
   return label;
 }
 
-/// Takes no room while it is empty.
 QLabel* makeHint() {
   QLabel* hint = makeLabel({}, TextStyle::footnote, ThemeRole::primaryText);
   hint->setWordWrap(true);
@@ -198,6 +197,12 @@ QWidget* CustomThemeEditor::makePreviewSection() {
   column->setSpacing(spacing);
   column->addWidget(m_preview);
   column->addWidget(m_contrastHint);
+  // Its room is there before it is needed: a hint below the end of the sheet would be overlooked.
+  QSizePolicy policy = m_contrastHint->sizePolicy();
+  policy.setRetainSizeWhenHidden(true);
+  m_contrastHint->setSizePolicy(policy);
+  m_contrastHint->setMinimumHeight(2 * m_contrastHint->fontMetrics().lineSpacing());
+  m_contrastHint->setAlignment(Qt::AlignTop);
   return withHeading(tr("Preview"), content);
 }
 
@@ -237,11 +242,13 @@ void CustomThemeEditor::renderHints() {
   const bool areCodes =
       std::ranges::all_of(allThemeColors, [this](ThemeColor color) { return m_draft.isCode(color); });
   setHint(m_codeHint, areCodes ? QString() : tr("A color code has three or six digits from 0 to F."));
-  QStringList hints;
+  QStringList texts;
   for (const auto& [color, contrast] : m_draft.faintTexts())
-    hints.append(tr("%1 is hard to read on the background: its contrast is %2:1, and 4.5:1 is needed.")
-                     .arg(labelOf(color), contrastText(contrast)));
-  setHint(m_contrastHint, hints.join(QLatin1Char('\n')));
+    texts.append(tr("%1 (%2:1)").arg(labelOf(color).toLower(), contrastText(contrast)));
+  setHint(m_contrastHint, texts.isEmpty()
+                              ? QString()
+                              : tr("Hard to read on the background: %1. A contrast of 4.5:1 is needed.")
+                                    .arg(texts.join(QStringLiteral(", "))));
 }
 
 void CustomThemeEditor::pickColor(ThemeColor color) {

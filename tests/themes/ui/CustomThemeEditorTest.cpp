@@ -108,8 +108,7 @@ TEST_F(CustomThemeEditorTest, FaintTextIsPointedOut) {
   named<QLineEdit>(QStringLiteral("Secondary text code"))->setText(QStringLiteral("000"));
   EXPECT_EQ(
       shownHints().join(QChar(u' ')),
-      QStringLiteral("Primary text is hard to read on the background: its contrast is 4.4:1, and 4.5:1 is "
-                     "needed."));
+      QStringLiteral("Hard to read on the background: primary text (4.4:1). A contrast of 4.5:1 is needed."));
   EXPECT_TRUE(button(QStringLiteral("Save"))->isEnabled());
 }
 
