@@ -68,11 +68,10 @@ void ThemeBrowser::setSearchFocused(bool focused) {
   update([&](State& state) { state.searchFocused = focused; });
 }
 
-void ThemeBrowser::select(const std::string& id) {
-  const std::string selected = id; // The argument may be part of the list that is made anew.
-  settings().setSelectedThemeID(selected);
+void ThemeBrowser::select(std::string id) {
+  settings().setSelectedThemeID(id);
   update([&](State& state) {
-    state.activeThemeID = selected;
+    state.activeThemeID = std::move(id);
     state.searchFocused = false;
   });
 }
@@ -159,14 +158,18 @@ void ThemeBrowser::importThemes() {
 
 void ThemeBrowser::importFrom(const Result<std::optional<std::filesystem::path>>& file) {
   update([](State& state) { state.showingImporter = false; });
-  if (file && !*file)
+  const auto fail = [this](const Error& error) {
+    update([&](State& state) { state.importError = error.message; });
+  };
+  if (!file)
+    return fail(file.error());
+  const std::optional<std::filesystem::path>& chosen = *file;
+  if (!chosen)
     return;
-  const Result<ThemeConfigurationDocument> document =
-      file ? ThemeConfigurationDocument::readFile(**file) : std::unexpected(file.error());
-  if (document)
-    settings().importCustomThemes(document->themes);
-  else
-    update([&](State& state) { state.importError = document.error().message; });
+  const auto document = ThemeConfigurationDocument::readFile(*chosen);
+  if (!document)
+    return fail(document.error());
+  settings().importCustomThemes(document->themes);
 }
 
 void ThemeBrowser::exportThemes() {
@@ -183,12 +186,17 @@ void ThemeBrowser::exportThemes() {
 
 void ThemeBrowser::exportTo(const Result<std::optional<std::filesystem::path>>& file) {
   update([](State& state) { state.showingExporter = false; });
-  if (file && !*file)
+  const auto fail = [this](const Error& error) {
+    update([&](State& state) { state.exportError = error.message; });
+  };
+  if (!file)
+    return fail(file.error());
+  const std::optional<std::filesystem::path>& chosen = *file;
+  if (!chosen)
     return;
   const ThemeConfigurationDocument document{settings().customThemes()};
-  const Result<void> written = file ? document.writeFile(**file) : std::unexpected(file.error());
-  if (!written)
-    update([&](State& state) { state.exportError = written.error().message; });
+  if (const Result<void> written = document.writeFile(*chosen); !written)
+    fail(written.error());
 }
 
 void ThemeBrowser::dismissImportError() {

@@ -60,7 +60,7 @@ class ThemeBrowser : public QObject {
   void setSearchFocused(bool focused);
 
   /// Brings the theme into force.
-  void select(const std::string& id);
+  void select(std::string id);
   /// Down is positive. Past the top is the search field; nothing is applied.
   void moveSelection(int offset);
   /// Takes the name of a key: "down", "up", "return", "escape" or the character typed. False when the key
