@@ -14,13 +14,11 @@ namespace notlet {
 namespace {
 
 using testing::Contains;
-using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-using testing::StartsWith;
 
 AppTheme customTheme(std::string id, std::string name = "Mine") {
   AppTheme theme = AppThemeCatalog::themeWithID("nord");

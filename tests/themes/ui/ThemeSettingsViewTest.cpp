@@ -114,7 +114,7 @@ TEST_F(ThemeSettingsViewTest, TheActiveRowComesToTheMiddle) {
   view->browser().select("synthwave");
   const auto rect = list().rowRect(rowOf("synthwave"));
   ASSERT_TRUE(rect);
-  EXPECT_NEAR(rect->center().y(), list().viewport()->height() / 2, 2);
+  EXPECT_NEAR(rect->center().y(), list().viewport()->height() / 2.0, 2);
 }
 
 TEST_F(ThemeSettingsViewTest, AClickAppliesAThemeAndAHeadingDoesNothing) {
