@@ -210,7 +210,9 @@ class VirtualDesktop:
         self.output("xdotool", "mousemove", str(start[0]), str(start[1]), "mousedown", "1", *moves, "mouseup", "1")
 
     def active_window_name(self):
-        return self.server.active_name()
+        """The title of the active window, once typing goes to it: the window manager is quicker to call it active."""
+        name = self.server.active_name()
+        return name if name == self.server.keyboard_name() else None
 
     def windows(self, name):
         found = self.output("xdotool", "search", "--onlyvisible", "--name", name).split()

@@ -17,8 +17,6 @@ constexpr int symbolSide = 18;
 constexpr int symbolGap = 8;
 constexpr QSize tabPadding{14, 8};
 constexpr double radius = 9;
-/// How much of the accent tints the ground of the tab that is shown.
-constexpr float selectedTint = 0.18F;
 
 } // namespace
 
@@ -45,7 +43,7 @@ void SettingsTabButton::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   prepare(painter);
   QColor tint = palette().color(ThemeRole::accent);
-  tint.setAlphaF(selectedTint);
+  tint.setAlphaF(static_cast<float>(selectedTint));
   painter.setPen(Qt::NoPen);
   painter.setBrush(m_isSelected ? QBrush(tint) : quietGround());
   painter.drawRoundedRect(rect(), radius, radius);
