@@ -39,6 +39,9 @@ std::optional<std::filesystem::path> editDirectory(const Places& places) {
   return *places.state / "drafts" / "edits";
 }
 
+/// For the first window to be painted and to get the keyboard.
+constexpr std::chrono::milliseconds timeToComeUp{150};
+
 } // namespace
 
 NotletMacApp::NotletMacApp(const Places& places)
@@ -110,9 +113,9 @@ void NotletMacApp::makeComposer(Capture& capture, ModelContext& context, Capture
 void NotletMacApp::makeWindows() {
   m_mainWindow = std::make_unique<MainWindow>(m_settings, makeMainContent());
   m_focusedWidget.setMainWindow(m_mainWindow.get());
-  m_popover = std::make_unique<PopoverWindow>(m_settings, m_desktop.windowSystem(), makePopoverContent());
-  m_shellWindows = std::make_unique<ShellWindows>(ShellWindows::Surroundings{
-      *m_mainWindow, *m_popover, m_desktop.statusItem(), m_desktop.windowSystem()});
+  m_shellWindows = std::make_unique<ShellWindows>(
+      ShellWindows::Surroundings{*m_mainWindow, [this]() -> PopoverWindow& { return popover(); },
+                                 m_desktop.statusItem(), m_desktop.windowSystem()});
   if (isStoreOpen())
     makeFloatingPanel();
 }
@@ -144,6 +147,21 @@ QWidget* NotletMacApp::makeSection(MacSection section) {
     break;
   }
   return new MacNotletView(*m_mainCapture.composer);
+}
+
+// The first window does not wait for it.
+PopoverWindow& NotletMacApp::popover() {
+  if (m_popover)
+    return *m_popover;
+  m_popover = std::make_unique<PopoverWindow>(m_settings, m_desktop.windowSystem(), makePopoverContent());
+  addProgramKeys(m_popover.get());
+  connect(m_popover.get(), &PopoverWindow::closed, m_delegate.get(),
+          [this](PopoverWindow::CloseReason reason) {
+            if (reason == PopoverWindow::CloseReason::deactivated ||
+                reason == PopoverWindow::CloseReason::pressedElsewhere)
+              m_delegate->popoverClosedByItself();
+          });
+  return *m_popover;
 }
 
 QWidget* NotletMacApp::makePopoverContent() {
@@ -181,14 +199,7 @@ QWidget* NotletMacApp::makePanelContent() {
 
 void NotletMacApp::connectWindows() {
   addProgramKeys(m_mainWindow.get());
-  addProgramKeys(m_popover.get());
   connect(m_mainWindow.get(), &MainWindow::closeRequested, this, &NotletMacApp::closeMainWindow);
-  connect(m_popover.get(), &PopoverWindow::closed, m_delegate.get(),
-          [this](PopoverWindow::CloseReason reason) {
-            if (reason == PopoverWindow::CloseReason::deactivated ||
-                reason == PopoverWindow::CloseReason::pressedElsewhere)
-              m_delegate->popoverClosedByItself();
-          });
   connect(m_delegate.get(), &NotletMacAppDelegate::quitRequested, this, &NotletMacApp::quit);
   connect(m_delegate.get(), &NotletMacAppDelegate::settingsRequested, this, &NotletMacApp::openSettings);
 }
@@ -278,7 +289,7 @@ void NotletMacApp::launch(const std::optional<LaunchRequest>& request) {
 bool NotletMacApp::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Expose) {
     qApp->removeEventFilter(this);
-    QMetaObject::invokeMethod(this, &NotletMacApp::startDesktop, Qt::QueuedConnection);
+    m_scheduler.after(timeToComeUp, this, [this] { startDesktop(); });
   }
   return QObject::eventFilter(watched, event);
 }
@@ -287,7 +298,7 @@ void NotletMacApp::startDesktop() {
   if (std::exchange(m_isDesktopStarted, true))
     return;
   m_desktop.start();
-  m_popover->prepare();
+  popover().prepare();
 }
 
 void NotletMacApp::handle(const LaunchRequest& request) {

@@ -71,6 +71,7 @@ class NotletMacApp : public QObject {
   void makeFloatingPanel();
   [[nodiscard]] QWidget* makeMainContent();
   [[nodiscard]] QWidget* makeSection(MacSection section);
+  [[nodiscard]] PopoverWindow& popover();
   [[nodiscard]] QWidget* makePopoverContent();
   [[nodiscard]] QWidget* makeBubble();
   [[nodiscard]] QWidget* makePanelContent();

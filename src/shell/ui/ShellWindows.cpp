@@ -14,8 +14,18 @@ void ShellWindows::showPopover(bool itemWasClicked) {
   for (const QScreen* screen : QGuiApplication::screens())
     screens.push_back({screen->geometry(), screen->availableGeometry()});
   const PopoverAnchor anchor{m_surroundings.statusItem.area(), QCursor::pos(), itemWasClicked};
-  PopoverWindow& popover = m_surroundings.popover;
-  popover.showAt(popoverFrame(popover.size(), anchor, screens).topLeft());
+  m_popover = &m_surroundings.popover();
+  m_popover->showAt(popoverFrame(m_popover->size(), anchor, screens).topLeft());
+}
+
+void ShellWindows::activatePopover() {
+  if (m_popover)
+    m_popover->activate();
+}
+
+void ShellWindows::closePopover() {
+  if (m_popover)
+    m_popover->dismiss();
 }
 
 void ShellWindows::activateMainWindow() {

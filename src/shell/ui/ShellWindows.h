@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QObject>
+#include <functional>
 
 #include "platform/StatusItem.h"
 #include "platform/WindowSystem.h"
@@ -16,23 +16,26 @@ class ShellWindows final : public ShellSurfaces {
   /// All must outlive this object.
   struct Surroundings {
     MainWindow& mainWindow;
-    PopoverWindow& popover;
+    /// Makes the popover the first time.
+    std::function<PopoverWindow&()> popover;
     const StatusItem& statusItem;
     WindowSystem& windowSystem;
   };
 
   explicit ShellWindows(const Surroundings& surroundings) : m_surroundings(surroundings) {}
 
-  [[nodiscard]] bool isPopoverShown() const override { return m_surroundings.popover.isVisible(); }
+  [[nodiscard]] bool isPopoverShown() const override { return m_popover && m_popover->isVisible(); }
   void showPopover(bool itemWasClicked) override;
-  void activatePopover() override { m_surroundings.popover.activate(); }
-  void closePopover() override { m_surroundings.popover.dismiss(); }
+  void activatePopover() override;
+  void closePopover() override;
   void activateMainWindow() override;
   void hideMainWindow() override { m_surroundings.mainWindow.hide(); }
   [[nodiscard]] bool isMainWindowShown() const override { return m_surroundings.mainWindow.isVisible(); }
 
  private:
   Surroundings m_surroundings;
+  /// Null until it is first shown.
+  PopoverWindow* m_popover = nullptr;
 };
 
 } // namespace notlet
