@@ -38,7 +38,9 @@ class MacMainViewTest : public NavigationFixture {
     }
     return texts;
   }
-  [[nodiscard]] QWidget* section() const { return view.findChild<QLabel*>(QString(), Qt::FindDirectChildrenOnly); }
+  [[nodiscard]] QWidget* section() const {
+    return view.findChild<QLabel*>(QString(), Qt::FindDirectChildrenOnly);
+  }
 
   MacMainView view{navigation, [](MacSection section) { return new QLabel(fromUtf8(title(section))); }};
 };
