@@ -3,6 +3,7 @@
 #include <QSignalSpy>
 #include <gmock/gmock.h>
 
+#include "support/CustomTheme.h"
 #include "support/MemoryDefaults.h"
 #include "themes/AppThemeCatalog.h"
 #include "themes/ThemeConfigurationDocument.h"
@@ -14,14 +15,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::MatchesRegex;
 using testing::SizeIs;
-
-AppTheme customTheme(std::string id, std::string name = "Mine") {
-  AppTheme theme = AppThemeCatalog::themeWithID("nord");
-  theme.id = std::move(id);
-  theme.name = std::move(name);
-  theme.category = customThemeCategory;
-  return theme;
-}
 
 class AppSettingsTest : public testing::Test {
  protected:

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 
+#include "support/CustomTheme.h"
 #include "support/FakeFileChooser.h"
 #include "support/MemoryDefaults.h"
 #include "support/TemporaryDirectory.h"
@@ -19,14 +20,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-
-AppTheme customTheme(std::string id, std::string name = "Mine") {
-  AppTheme theme = AppThemeCatalog::themeWithID("nord");
-  theme.id = std::move(id);
-  theme.name = std::move(name);
-  theme.category = customThemeCategory;
-  return theme;
-}
 
 class ThemeBrowserTest : public testing::Test {
  protected:

@@ -6,6 +6,7 @@
 #include <QMenu>
 #include <QTest>
 
+#include "support/CustomTheme.h"
 #include "support/FakeFileChooser.h"
 #include "support/MemoryDefaults.h"
 #include "themes/AppThemeCatalog.h"
@@ -14,14 +15,6 @@
 
 namespace notlet {
 namespace {
-
-AppTheme customTheme(std::string id, std::string name = "Mine") {
-  AppTheme theme = AppThemeCatalog::themeWithID("nord");
-  theme.id = std::move(id);
-  theme.name = std::move(name);
-  theme.category = customThemeCategory;
-  return theme;
-}
 
 class ThemeSettingsViewTest : public testing::Test {
  protected:
