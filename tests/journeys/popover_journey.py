@@ -115,6 +115,18 @@ class PopoverJourney(Journey):
         self.await_cut(POPOVER, 7, False)
         self.desktop.end(compositor)
         self.await_cut(POPOVER, 7, True)
+        # The window that is made anew for the desktop has kept what was in it, and takes more.
+        self.desktop.type("still ")
+        self.await_text("still ", POPOVER)
+        self.escape()
+        self.open_popover()
+        self.desktop.type("here")
+        self.await_text("still here", POPOVER)
+        self.start_compositor()
+        self.escape()
+        self.open_popover()
+        self.await_cut(POPOVER, 7, False)
+        self.await_text("still here", POPOVER)
 
     # The tray in which icons are windows
 

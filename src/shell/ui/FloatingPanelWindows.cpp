@@ -33,7 +33,7 @@ std::unique_ptr<RoundedWindow> FloatingPanelWindows::makeWindow(QWidget* content
 
 std::unique_ptr<RoundedWindow> FloatingPanelWindows::makeBubbleWindow() const {
   constexpr RoundedWindow::Shape circle{MacFloatingBubbleView::side / 2.0 - MacFloatingBubbleView::inset,
-                                        MacFloatingBubbleView::inset, ThemeRole::surface};
+                                        MacFloatingBubbleView::inset, ThemeRole::surface, true};
   auto bubble = makeWindow(m_contents.makeBubble(), circle, Qt::WindowDoesNotAcceptFocus);
   bubble->setWindowTitle(QStringLiteral("Notlet Bubble"));
   bubble->setAttribute(Qt::WA_ShowWithoutActivating);

@@ -45,7 +45,9 @@ RoundedWindow::RoundedWindow(AppSettings& settings, WindowSystem& windowSystem, 
       m_windowSystem(windowSystem),
       m_container(new AppThemeContainer(settings, content)),
       m_shape(shape) {
-  setAttribute(Qt::WA_TranslucentBackground);
+  setAttribute(Qt::WA_TranslucentBackground, m_shape.staysUp || m_windowSystem.hasCompositor());
+  // It paints all of itself.
+  setAttribute(Qt::WA_NoSystemBackground);
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins({});
   layout->addWidget(m_container);
@@ -53,7 +55,7 @@ RoundedWindow::RoundedWindow(AppSettings& settings, WindowSystem& windowSystem, 
   // The window paints the ground in its own shape.
   m_container->setAutoFillBackground(false);
   m_container->installEventFilter(this);
-  connect(&m_windowSystem, &WindowSystem::compositorChanged, this, &RoundedWindow::applyShape);
+  connect(&m_windowSystem, &WindowSystem::compositorChanged, this, &RoundedWindow::followCompositor);
 
   m_opening.setStartValue(0.0);
   m_opening.setEndValue(1.0);
@@ -95,11 +97,32 @@ void RoundedWindow::applyOpening(double progress) {
   setMask(maskOf(size(), opened, radius));
 }
 
+bool RoundedWindow::hasSmoothEdges() const {
+  return m_windowSystem.hasCompositor() && testAttribute(Qt::WA_TranslucentBackground);
+}
+
+void RoundedWindow::followCompositor() {
+  fitSurface();
+  applyShape();
+}
+
+// Whether a window has an alpha channel is decided when the desktop's window is made.
+void RoundedWindow::fitSurface() {
+  const bool suits = m_shape.staysUp || m_windowSystem.hasCompositor();
+  if (isVisible() || suits == testAttribute(Qt::WA_TranslucentBackground))
+    return;
+  const bool isMade = testAttribute(Qt::WA_WState_Created);
+  destroy();
+  setAttribute(Qt::WA_TranslucentBackground, suits);
+  if (isMade)
+    create();
+}
+
 void RoundedWindow::applyShape() {
   if (m_opening.state() == QAbstractAnimation::Running)
     return;
   const double inset = m_shape.inset;
-  if (m_windowSystem.hasCompositor())
+  if (hasSmoothEdges())
     setMask(maskOf(size(), area(), std::max(0.0, m_shape.radius - roomForSmoothEdges)));
   else
     setMask(maskOf(size(), QRectF(area()).adjusted(inset, inset, -inset, -inset), m_shape.radius));
@@ -123,6 +146,8 @@ void RoundedWindow::hideEvent(QHideEvent* event) {
     applyShape();
   }
   QWidget::hideEvent(event);
+  // Later: the window is still on its way out.
+  QMetaObject::invokeMethod(this, &RoundedWindow::followCompositor, Qt::QueuedConnection);
 }
 
 void RoundedWindow::closeEvent(QCloseEvent* event) {
@@ -135,7 +160,7 @@ void RoundedWindow::paintEvent(QPaintEvent*) {
   const QPalette& colors = m_container->palette();
   QPainter painter(this);
   // Where the mask cuts, nothing needs to be smooth, and a plain rectangle is the quickest to fill.
-  const bool isCutOut = !m_windowSystem.hasCompositor();
+  const bool isCutOut = !hasSmoothEdges();
   if (isCutOut)
     painter.fillRect(rect(), colors.color(m_shape.ground));
   painter.setRenderHint(QPainter::Antialiasing);

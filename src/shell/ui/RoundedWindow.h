@@ -14,7 +14,8 @@ namespace notlet {
 /// in force.
 ///
 /// With a compositor the window is translucent and its edges are smooth; without one it is cut out of an
-/// opaque rectangle. It follows a compositor that comes or goes.
+/// opaque rectangle, which is painted sooner. It follows a compositor that comes or goes: at once if it stays
+/// up, else when it is next hidden.
 class RoundedWindow : public QWidget {
   Q_OBJECT
 
@@ -25,6 +26,8 @@ class RoundedWindow : public QWidget {
     /// What stays free along each edge of the window.
     double inset = 0;
     QPalette::ColorRole ground = ThemeRole::background;
+    /// The window is up for hours rather than for moments.
+    bool staysUp = false;
   };
 
   /// Takes the content as its child. The others must outlive the window.
@@ -54,6 +57,11 @@ class RoundedWindow : public QWidget {
  private:
   /// The part of the window that is to be seen.
   [[nodiscard]] QRect area() const;
+  /// Whether the window's edges are drawn rather than cut.
+  [[nodiscard]] bool hasSmoothEdges() const;
+  void followCompositor();
+  /// Makes the surface the one that suits the desktop, unless the window is up.
+  void fitSurface();
   void applyShape();
   void applyOpening(double progress);
 

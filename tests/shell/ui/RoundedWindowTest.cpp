@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QTest>
+#include <QWindow>
 
 #include "support/FakeWindowSystem.h"
 #include "support/MemoryDefaults.h"
@@ -60,6 +61,35 @@ TEST_F(RoundedWindowTest, ACompositorThatComesOrGoesChangesTheEdges) {
   EXPECT_FALSE(smoothEdge());
   windowSystem.setCompositor(true);
   EXPECT_TRUE(smoothEdge());
+}
+
+// A surface without an alpha channel cannot be smooth, one with it takes longer to paint.
+TEST_F(RoundedWindowTest, ItsSurfaceFollowsTheCompositorWhileItIsHidden) {
+  const auto hasAlpha = [this] { return window.windowHandle()->requestedFormat().hasAlpha(); };
+  windowSystem.setCompositor(false);
+  window.show();
+  EXPECT_FALSE(hasAlpha());
+  windowSystem.setCompositor(true);
+  EXPECT_FALSE(hasAlpha()) << "nothing flickers while it is up";
+  EXPECT_FALSE(isCutIn(outside, outside));
+  window.hide();
+  EXPECT_TRUE(QTest::qWaitFor(hasAlpha));
+  window.show();
+  EXPECT_TRUE(isCutIn(outside, outside));
+  window.hide();
+  windowSystem.setCompositor(false);
+  EXPECT_FALSE(hasAlpha());
+  EXPECT_FALSE(isCutIn(outside, outside));
+}
+
+TEST_F(RoundedWindowTest, OneThatStaysUpIsSmoothAsSoonAsThereIsACompositor) {
+  windowSystem.setCompositor(false);
+  RoundedWindow bubble(settings, windowSystem, new QWidget, {.staysUp = true});
+  bubble.setFixedSize(380, 260);
+  bubble.show();
+  windowSystem.setCompositor(true);
+  EXPECT_TRUE(bubble.mask().contains(QPoint(outside, outside)));
+  EXPECT_TRUE(bubble.windowHandle()->requestedFormat().hasAlpha());
 }
 
 TEST_F(RoundedWindowTest, PaintsTheThemesGroundInItsShapeOnly) {
