@@ -32,8 +32,12 @@ bool CaptureComposer::State::canSave() const {
 }
 
 CaptureComposer::CaptureComposer(const Surroundings& surroundings, Surface surface, QObject* parent)
-    : QObject(parent), m_surroundings(surroundings), m_surface(surface) {
+    : QObject(parent),
+      m_surroundings(surroundings),
+      m_surface(surface),
+      m_speechRecognizer(surroundings.speechService, surroundings.preferredLanguages) {
   observeCommands();
+  followRecognizer();
   // The used hashtags may have changed.
   connect(&m_surroundings.modelContext, &ModelContext::listChanged, this, &CaptureComposer::changed);
   connect(&m_surroundings.draftKeeper, &DraftKeeper::reported, this,
@@ -45,17 +49,10 @@ void CaptureComposer::observeCommands() {
   const FocusCommands commands = focusCommandsOf(m_surface);
   for (const CommandName name : commands.take)
     center.observe(name, this, [this](const CommandObject&) { setInputFocused(true); });
-  center.observe(commands.giveUp, this, [this](const CommandObject&) { setInputFocused(false); });
-}
-
-template<typename Change>
-void CaptureComposer::update(Change change) {
-  State next = m_state;
-  change(next);
-  if (next == m_state)
-    return;
-  m_state = std::move(next);
-  Q_EMIT changed();
+  center.observe(commands.giveUp, this, [this](const CommandObject&) {
+    stopDictation();
+    setInputFocused(false);
+  });
 }
 
 std::vector<std::string> CaptureComposer::suggestions() const {
@@ -80,6 +77,13 @@ void CaptureComposer::restoreDraft() {
 }
 
 void CaptureComposer::setInput(std::string input) {
+  // Until the microphone is open the words go behind whatever stands there by then.
+  if (m_state.dictation == Dictation::recording || m_speechRecognizer.isStarting())
+    stopDictation();
+  write(std::move(input));
+}
+
+void CaptureComposer::write(std::string input) {
   if (input == m_state.input)
     return;
   m_state.input = std::move(input);
@@ -93,6 +97,7 @@ void CaptureComposer::setInputFocused(bool focused) {
 }
 
 void CaptureComposer::save() {
+  stopDictation();
   auto notlet = makeNotlet(m_state.input, m_surroundings.clock.now());
   if (!notlet)
     return;

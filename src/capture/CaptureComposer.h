@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "capture/SpeechRecognizer.h"
 #include "commands/NotificationCenter.h"
 #include "platform/Clock.h"
 #include "platform/DraftKeeper.h"
@@ -14,16 +15,27 @@
 
 namespace notlet {
 
-/// The rules of the screen on which a notlet is written: draft, saving, confirmation and hashtag suggestions.
+/// The rules of the screen on which a notlet is written: draft, saving, confirmation, hashtag suggestions and
+/// dictation.
 class CaptureComposer : public QObject {
   Q_OBJECT
 
  public:
+  enum class Dictation {
+    off,
+    /// The microphone was asked for.
+    starting,
+    recording,
+  };
+
   struct State {
     /// The draft as typed, UTF-8.
     std::string input;
     bool inputFocused = false;
+    Dictation dictation = Dictation::off;
     bool showConfirmation = false;
+    /// Message of the dictation alert, which is up while it is set.
+    std::optional<std::string> speechError;
     /// Message of the failure alert, which is up while it is set.
     std::optional<std::string> saveError;
     /// Why the last save failed, for whoever has to mend it.
@@ -53,6 +65,10 @@ class CaptureComposer : public QObject {
     DraftKeeper& draftKeeper;
     /// Told of each notlet that a quick capture saved.
     WidgetTimelines* widgetTimelines = nullptr;
+    /// Without it there is no dictation.
+    SpeechService* speechService = nullptr;
+    /// What the user speaks, the first choice first (SpeechRecognizer).
+    std::vector<std::string> preferredLanguages = {};
   };
 
   explicit CaptureComposer(const Surroundings& surroundings, Surface surface = Surface::mainWindow,
@@ -66,6 +82,10 @@ class CaptureComposer : public QObject {
 
   /// The screen came into view: brings back the kept draft and takes the focus.
   void appear();
+  /// The screen went out of view, so it does not listen any more.
+  void disappear() { stopDictation(); }
+  /// What the user made of the draft. Whoever writes does not dictate any more: the next words heard would
+  /// replace what was written.
   void setInput(std::string input);
   void setInputFocused(bool focused);
   /// Stores the draft as a notlet; a draft without text is left as it is.
@@ -73,21 +93,49 @@ class CaptureComposer : public QObject {
   void acceptSuggestion(const std::string& tag);
   void dismissSaveError();
 
+  /// Starts dictation, or stops it. What is said goes to the end of the draft.
+  void handleMicTap();
+  /// What was heard so far stays in the draft.
+  void stopDictation();
+  void dismissSpeechError();
+
  Q_SIGNALS:
   void changed();
+  /// How loud the microphone is, from 0 to 1, while recording.
+  void inputLevelChanged(double level);
 
  private:
   template<typename Change>
   void update(Change change);
   void observeCommands();
   void restoreDraft();
+  void write(std::string input);
   void confirm();
+
+  void followRecognizer();
+  void askForMicrophone(bool speechIsGranted);
+  void startRecording(bool microphoneIsGranted);
+  void failDictation(const std::string& message);
+  [[nodiscard]] SpeechRecognizer::Answer ifStillWanted(void (CaptureComposer::*next)(bool));
 
   Surroundings m_surroundings;
   Surface m_surface;
   State m_state;
   std::uint64_t m_inputRevision = 0;
   bool m_draftIsRestored = false;
+  SpeechRecognizer m_speechRecognizer;
+  /// Tells the answers to an earlier tap from those to the last one.
+  std::uint64_t m_micTaps = 0;
 };
+
+template<typename Change>
+void CaptureComposer::update(Change change) {
+  State next = m_state;
+  change(next);
+  if (next == m_state)
+    return;
+  m_state = std::move(next);
+  Q_EMIT changed();
+}
 
 } // namespace notlet

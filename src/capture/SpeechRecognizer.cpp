@@ -53,7 +53,7 @@ void SpeechRecognizer::requestSpeechAuthorization(Answer answer) {
 void SpeechRecognizer::requestMicrophoneAuthorization(Answer answer) {
   if (!m_service)
     return requestSpeechAuthorization(std::move(answer));
-  m_microphoneCheck = m_service->makeAudioEngine();
+  m_microphoneCheck = m_service->makeMicrophoneCheck();
   m_microphoneCheck->probe(
       [this, answer = std::move(answer)](const std::expected<void, AudioError>& outcome) {
         const bool isDenied = !outcome && outcome.error().fault == AudioFault::accessDenied;

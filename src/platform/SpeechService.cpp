@@ -32,6 +32,10 @@ std::unique_ptr<AudioEngine> SpeechService::makeAudioEngine() {
   return std::make_unique<AudioEngine>(m_backend, m_audioThread, m_mail);
 }
 
+std::unique_ptr<AudioEngine> SpeechService::makeMicrophoneCheck() {
+  return std::make_unique<AudioEngine>(m_backend, m_checkThread, m_mail);
+}
+
 std::shared_ptr<SpeechRecognitionTask> SpeechService::begin(const std::string& language,
                                                             std::shared_ptr<SpeechRecognitionRequest> request,
                                                             SpeechRecognitionTask::Handler handler) {

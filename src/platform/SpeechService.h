@@ -54,6 +54,8 @@ class SpeechService : public QObject {
   /// For a language tag such as "en-US".
   [[nodiscard]] Recognizer recognizer(const std::string& language);
   [[nodiscard]] std::unique_ptr<AudioEngine> makeAudioEngine();
+  /// For AudioEngine::probe(), which does not wait for a recording in progress.
+  [[nodiscard]] std::unique_ptr<AudioEngine> makeMicrophoneCheck();
 
  private:
   [[nodiscard]] std::shared_ptr<SpeechRecognitionTask>
@@ -80,6 +82,7 @@ class SpeechService : public QObject {
   // The threads go first: they use everything above.
   MainThreadMail m_mail;
   JobThread m_audioThread;
+  JobThread m_checkThread;
   JobThread m_engineThread;
 };
 

@@ -1,8 +1,10 @@
 #include "capture/ui/ComposerCard.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QFocusEvent>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QResizeEvent>
 #include <QScopedValueRollback>
@@ -29,13 +31,14 @@ const QString hintText = QStringLiteral("Return to save · Shift Return for new 
 
 } // namespace
 
-ComposerCard::ComposerCard(CaptureComposer& composer, QAbstractButton* save, QWidget* parent)
+ComposerCard::ComposerCard(CaptureComposer& composer, MicButton* mic, QAbstractButton* save, QWidget* parent)
     : QWidget(parent),
       m_composer(composer),
       m_editor(new ExactTextEdit(this)),
       m_suggestions(new MacHashtagSuggestionsView(
           {}, [this](const std::string& tag) { m_composer.acceptSuggestion(tag); })),
       m_hint(new QLabel(hintText)),
+      m_mic(mic),
       m_save(save) {
   prepareEditor();
   layOut();
@@ -79,6 +82,7 @@ QWidget* ComposerCard::makeFooter() {
   row->setContentsMargins(8, 0, 2, 0);
   row->setSpacing(8);
   row->addWidget(m_hint, 1);
+  row->addWidget(m_mic);
   row->addWidget(m_save);
   return footer;
 }
@@ -87,6 +91,8 @@ void ComposerCard::connectHandlers() {
   connect(&m_composer, &CaptureComposer::changed, this, &ComposerCard::render);
   connect(m_editor, &ExactTextEdit::textChanged, this, &ComposerCard::takeInput);
   connect(m_editor, &ExactTextEdit::returnPressed, &m_composer, &CaptureComposer::save);
+  connect(m_mic, &QAbstractButton::clicked, &m_composer, &CaptureComposer::handleMicTap);
+  connect(&m_composer, &CaptureComposer::inputLevelChanged, m_mic, &MicButton::setLevel);
   connect(m_save, &QAbstractButton::clicked, &m_composer, &CaptureComposer::save);
   connect(m_suggestions, &MacHashtagSuggestionsView::dismissed, this,
           [this] { m_composer.setInputFocused(true); });
@@ -108,7 +114,8 @@ void ComposerCard::render() {
   m_suggestions->setVisible(!suggestions.empty());
   renderHint();
   renderFocus();
-  renderSaveAlert();
+  renderDictation();
+  renderAlerts();
 }
 
 void ComposerCard::renderInput() {
@@ -136,16 +143,35 @@ void ComposerCard::renderFocus() {
     m_editor->clearFocus();
 }
 
-void ComposerCard::renderSaveAlert() {
-  const auto& state = m_composer.state();
-  if (!state.saveError || m_alertIsOpen)
+// Whoever speaks has the hands free: the keys of the card do for the rest.
+void ComposerCard::renderDictation() {
+  const auto dictation = m_composer.state().dictation;
+  if (dictation == m_mic->dictation())
     return;
+  m_mic->setDictation(dictation);
+  const QWidget* focused = window()->focusWidget();
+  if (dictation == CaptureComposer::Dictation::recording && (focused == nullptr || focused == m_mic))
+    setFocus(Qt::OtherFocusReason);
+}
+
+void ComposerCard::renderAlerts() {
+  const auto& state = m_composer.state();
+  if (m_alertIsOpen)
+    return;
+  if (state.saveError)
+    openAlert(Alert::message(this, QStringLiteral("Unable to save notlet"), fromUtf8(*state.saveError),
+                             fromUtf8(state.saveFailureReason)),
+              &CaptureComposer::dismissSaveError);
+  else if (state.speechError)
+    openAlert(Alert::message(this, QStringLiteral("Speech Recognition"), fromUtf8(*state.speechError)),
+              &CaptureComposer::dismissSpeechError);
+}
+
+void ComposerCard::openAlert(Alert* alert, void (CaptureComposer::*dismiss)()) {
   m_alertIsOpen = true;
-  auto* alert = Alert::message(this, QStringLiteral("Unable to save notlet"), fromUtf8(*state.saveError),
-                               fromUtf8(state.saveFailureReason));
-  connect(alert, &QDialog::finished, this, [this] {
+  connect(alert, &QDialog::finished, this, [this, dismiss] {
     m_alertIsOpen = false;
-    m_composer.dismissSaveError();
+    (m_composer.*dismiss)();
   });
   alert->open();
 }
@@ -180,6 +206,40 @@ void ComposerCard::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   m_composer.appear();
   renderFocus();
+}
+
+void ComposerCard::hideEvent(QHideEvent* event) {
+  QWidget::hideEvent(event);
+  m_composer.disappear();
+}
+
+void ComposerCard::keyPressEvent(QKeyEvent* event) {
+  if (useKey(*event))
+    return;
+  // What is typed while the card has the keyboard is meant for the editor.
+  if (!hasFocus() || event->text().isEmpty())
+    return QWidget::keyPressEvent(event);
+  m_composer.setInputFocused(true);
+  QCoreApplication::sendEvent(m_editor, event);
+}
+
+bool ComposerCard::useKey(const QKeyEvent& event) {
+  const auto modifiers = event.modifiers() & ~Qt::KeypadModifier;
+  if (event.key() == Qt::Key_M && modifiers == Qt::ControlModifier) {
+    m_composer.handleMicTap();
+    return true;
+  }
+  if (!hasFocus() || modifiers != Qt::NoModifier)
+    return false;
+  if (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) {
+    m_composer.save();
+    return true;
+  }
+  if (event.key() != Qt::Key_Escape || m_composer.state().dictation == CaptureComposer::Dictation::off)
+    return false;
+  m_composer.stopDictation();
+  m_composer.setInputFocused(true);
+  return true;
 }
 
 void ComposerCard::paintEvent(QPaintEvent*) {

@@ -5,28 +5,36 @@
 #include <QWidget>
 
 #include "capture/CaptureComposer.h"
+#include "capture/ui/MicButton.h"
 #include "widgets/ExactTextEdit.h"
 #include "widgets/MacHashtagSuggestionsView.h"
 
 namespace notlet {
 
+class Alert;
+
 /// The raised field in which a notlet is written, the same on every surface: editor, hashtag suggestions, and
-/// a footer with a hint and the save button. A failed save is told in an alert over its window.
+/// a footer with a hint, the microphone and the save button. What fails is told in an alert over its window.
 ///
-/// The card shows when the editor has the focus, and a click on its empty parts goes to the editor.
+/// The card shows when the editor has the focus, and a click on its empty parts goes to the editor. While
+/// somebody dictates the card itself has the keyboard: Return saves, Escape stops, and whoever types instead
+/// is back in the editor.
 class ComposerCard : public QWidget {
   Q_OBJECT
 
  public:
-  /// Takes the button as its child and gives it the shortcut for saving. The composer must outlive the card.
-  ComposerCard(CaptureComposer& composer, QAbstractButton* save, QWidget* parent = nullptr);
+  /// Takes the buttons as its children and gives the second one the shortcut for saving. The composer must
+  /// outlive the card.
+  ComposerCard(CaptureComposer& composer, MicButton* mic, QAbstractButton* save, QWidget* parent = nullptr);
 
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
 
  private:
   void prepareEditor();
@@ -36,9 +44,12 @@ class ComposerCard : public QWidget {
   void takeInput();
   void render();
   void renderInput();
+  void renderDictation();
   void renderFocus();
   void renderHint();
-  void renderSaveAlert();
+  void renderAlerts();
+  void openAlert(Alert* alert, void (CaptureComposer::*dismiss)());
+  [[nodiscard]] bool useKey(const QKeyEvent& event);
   /// `before` is the size of the text's window until now.
   void keepCaretInSight(QSize before);
 
@@ -46,6 +57,7 @@ class ComposerCard : public QWidget {
   ExactTextEdit* m_editor;
   MacHashtagSuggestionsView* m_suggestions;
   QLabel* m_hint;
+  MicButton* m_mic;
   QAbstractButton* m_save;
   /// The revision of the composer's input that the editor holds.
   std::uint64_t m_shownRevision = 0;

@@ -53,7 +53,9 @@ void MacCaptureView::layOut() {
   auto* save = new TextButton(Symbol::arrowUpCircleFill, QStringLiteral("Notlet"), TextButton::Look::primary);
   auto* inset = new QHBoxLayout;
   inset->setContentsMargins(0, 0, symbolInset, 0);
-  inset->addWidget(new ComposerCard(m_composer, save));
+  auto* mic = new MicButton;
+  mic->setSides(symbolSide, buttonSide);
+  inset->addWidget(new ComposerCard(m_composer, mic, save));
   auto* rows = new QVBoxLayout(this);
   rows->setContentsMargins(padding, padding - buttonOverhang, padding - symbolInset, padding);
   rows->setSpacing(spacing - buttonOverhang);

@@ -25,6 +25,12 @@ constexpr int contentWidth = 560;
 constexpr int tallestCard = 440;
 constexpr int confirmationTop = 40;
 
+MicButton* makeMicButton() {
+  auto* button = new MicButton;
+  button->setSides(20, 36);
+  return button;
+}
+
 IconButton* makeSaveButton() {
   auto* button = new IconButton(Symbol::arrowUpCircleFill, QStringLiteral("Save notlet"));
   button->setShape(IconButton::Shape::round);
@@ -41,7 +47,7 @@ MacNotletView::MacNotletView(CaptureComposer& composer, QWidget* parent)
       m_column(new QVBoxLayout(this)),
       m_title(new QLabel(QStringLiteral("Notlet"))),
       m_titleFade(new FadeEffect(m_title)),
-      m_card(new ComposerCard(composer, makeSaveButton())),
+      m_card(new ComposerCard(composer, makeMicButton(), makeSaveButton())),
       m_confirmation(new ConfirmationCapsule(QStringLiteral("Notletted ✓"), this)) {
   layOut();
   connect(&m_composer, &CaptureComposer::changed, this, &MacNotletView::render);

@@ -149,8 +149,9 @@ TEST_F(MacCaptureViewTest, TheKeyboardWalksFromTheTextThroughTheStripToTheButton
   save("a #work");
   showInPanel();
   type(QStringLiteral("#wo"));
-  const QStringList order = {QStringLiteral("Use hashtag work"), QStringLiteral("Notlet"),
-                             QStringLiteral("Return to Main App"), QStringLiteral("Close Quick Notlet")};
+  const QStringList order = {QStringLiteral("Use hashtag work"), QStringLiteral("Start dictation"),
+                             QStringLiteral("Notlet"), QStringLiteral("Return to Main App"),
+                             QStringLiteral("Close Quick Notlet")};
   for (const QString& name : order) {
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     EXPECT_EQ(QApplication::focusWidget(), button(name)) << qPrintable(name);
