@@ -110,9 +110,12 @@ QString ExactTextEdit::exactText(int from, int to) const {
   return hasPieces ? text.remove(seam) : text;
 }
 
-void ExactTextEdit::setExactText(const QString& text) {
+void ExactTextEdit::setExactText(const QString& text, UndoStep step) {
   QTextCursor cursor(document());
-  cursor.beginEditBlock();
+  if (step == UndoStep::joinsPrevious)
+    cursor.joinPreviousEditBlock();
+  else
+    cursor.beginEditBlock();
   cursor.select(QTextCursor::Document);
   cursor.removeSelectedText();
   insertExactly(cursor, text);

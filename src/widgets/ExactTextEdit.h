@@ -18,8 +18,11 @@ class ExactTextEdit : public QPlainTextEdit {
 
   /// The text with "\n" between lines, separators as they came in.
   [[nodiscard]] QString exactText() const;
-  /// Replaces the text as one step that undo takes back; the caret goes to the end.
-  void setExactText(const QString& text);
+  /// What undo takes back at once.
+  enum class UndoStep { own, joinsPrevious };
+
+  /// Replaces the text; the caret goes to the end.
+  void setExactText(const QString& text, UndoStep step = UndoStep::own);
   /// True while an input method holds text that is not committed yet.
   [[nodiscard]] bool isComposing() const;
 

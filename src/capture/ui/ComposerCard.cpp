@@ -124,7 +124,12 @@ void ComposerCard::renderInput() {
     return;
   m_shownRevision = m_composer.inputRevision();
   const QSignalBlocker blocker(m_editor);
-  m_editor->setExactText(fromUtf8(m_composer.state().input));
+  // One dictation is taken back at once, however often its words were read anew.
+  const bool isDictated = m_composer.state().dictation == CaptureComposer::Dictation::recording;
+  using UndoStep = ExactTextEdit::UndoStep;
+  m_editor->setExactText(fromUtf8(m_composer.state().input),
+                         isDictated && m_holdsDictated ? UndoStep::joinsPrevious : UndoStep::own);
+  m_holdsDictated = isDictated;
 }
 
 // A warning takes the place of the hint: whoever reads it knows how to save by now.
@@ -149,6 +154,7 @@ void ComposerCard::renderDictation() {
   if (dictation == m_mic->dictation())
     return;
   m_mic->setDictation(dictation);
+  m_holdsDictated = false;
   const QWidget* focused = window()->focusWidget();
   if (dictation == CaptureComposer::Dictation::recording && (focused == nullptr || focused == m_mic))
     setFocus(Qt::OtherFocusReason);

@@ -62,6 +62,8 @@ class ComposerCard : public QWidget {
   /// The revision of the composer's input that the editor holds.
   std::uint64_t m_shownRevision = 0;
   bool m_isTakingInput = false;
+  /// The editor's last change came from the dictation in progress.
+  bool m_holdsDictated = false;
   bool m_alertIsOpen = false;
 };
 

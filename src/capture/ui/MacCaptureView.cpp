@@ -49,6 +49,11 @@ MacCaptureView::MacCaptureView(CaptureComposer& composer, Host host, QWidget* pa
   render();
 }
 
+// A view that goes while somebody dictates ends the dictation, which changes the composer.
+MacCaptureView::~MacCaptureView() {
+  m_composer.disconnect(this);
+}
+
 void MacCaptureView::layOut() {
   auto* save = new TextButton(Symbol::arrowUpCircleFill, QStringLiteral("Notlet"), TextButton::Look::primary);
   auto* inset = new QHBoxLayout;

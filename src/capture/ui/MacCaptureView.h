@@ -31,6 +31,7 @@ class MacCaptureView : public QWidget {
 
   /// The composer must outlive the view.
   MacCaptureView(CaptureComposer& composer, Host host, QWidget* parent = nullptr);
+  ~MacCaptureView() override;
 
  private:
   void layOut();

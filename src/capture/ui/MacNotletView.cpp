@@ -54,6 +54,11 @@ MacNotletView::MacNotletView(CaptureComposer& composer, QWidget* parent)
   render();
 }
 
+// A view that goes while somebody dictates ends the dictation, which changes the composer.
+MacNotletView::~MacNotletView() {
+  m_composer.disconnect(this);
+}
+
 void MacNotletView::layOut() {
   m_title->setAlignment(Qt::AlignCenter);
   QSizePolicy titlePolicy = m_title->sizePolicy();

@@ -18,6 +18,7 @@ class MacNotletView : public QWidget {
  public:
   /// The composer must outlive the view.
   explicit MacNotletView(CaptureComposer& composer, QWidget* parent = nullptr);
+  ~MacNotletView() override;
 
   [[nodiscard]] QSize minimumSizeHint() const override { return {0, 0}; }
 

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
+#include <QScrollBar>
 #include <QTest>
 
 #include "capture/ComposerFixture.h"
@@ -37,12 +38,12 @@ class DictationViewTest : public ComposerFixture {
     EXPECT_TRUE(QTest::qWaitFor([&] { return editor->exactText() == shown; }))
         << qPrintable(editor->exactText());
   }
-  /// Clicks the microphone and says two words.
-  void dictate() {
+  /// Clicks the microphone and says two words behind what is there.
+  void dictate(const QString& before = {}) {
     QTest::mouseClick(mic, Qt::LeftButton);
     await(Dictation::recording);
-    say(QStringLiteral("and"));
-    say(QStringLiteral("and eggs"));
+    say(before + QStringLiteral("and"));
+    say(before + QStringLiteral("and eggs"));
   }
   void type(const QString& text) {
     for (const QChar character : text)
@@ -108,6 +109,28 @@ TEST_F(DictationViewTest, WhoeverTypesIsInTheEditorAtOnce) {
   EXPECT_EQ(editor->exactText(), QStringLiteral("and eggs, please"));
   EXPECT_EQ(mic->dictation(), Dictation::off);
   EXPECT_TRUE(editor->hasFocus());
+}
+
+TEST_F(DictationViewTest, UndoTakesBackOneDictationAtOnce) {
+  type(QStringLiteral("Milk"));
+  dictate(QStringLiteral("Milk "));
+  press(Qt::Key_Escape);
+  dictate(QStringLiteral("Milk and eggs "));
+  press(Qt::Key_Escape);
+  editor->undo();
+  EXPECT_EQ(editor->exactText(), QStringLiteral("Milk and eggs"));
+  editor->undo();
+  EXPECT_EQ(editor->exactText(), QStringLiteral("Milk"));
+  EXPECT_EQ(speaking.state().input, "Milk");
+}
+
+// The last words are those that somebody who dictates looks at.
+TEST_F(DictationViewTest, ShowsTheLastWordsOfALongDraft) {
+  const QString draft = QStringLiteral("line\n").repeated(200);
+  editor->setExactText(draft);
+  editor->verticalScrollBar()->setValue(0);
+  dictate(draft);
+  EXPECT_TRUE(editor->viewport()->rect().contains(editor->cursorRect()));
 }
 
 TEST_F(DictationViewTest, StopsWhenItGoesOutOfSight) {
