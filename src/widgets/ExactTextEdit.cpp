@@ -6,6 +6,7 @@
 #include <QTextBlock>
 #include <QTextBoundaryFinder>
 #include <QTextDocument>
+#include <algorithm>
 
 namespace notlet {
 
@@ -116,11 +117,30 @@ void ExactTextEdit::setExactText(const QString& text, UndoStep step) {
     cursor.joinPreviousEditBlock();
   else
     cursor.beginEditBlock();
-  cursor.select(QTextCursor::Document);
+  const qsizetype kept = commonStart(text);
+  cursor.setPosition(static_cast<int>(kept));
+  cursor.movePosition(QTextCursor::End, QTextCursor::KeepAnchor);
   cursor.removeSelectedText();
-  insertExactly(cursor, text);
+  insertExactly(cursor, text.sliced(kept));
   cursor.endEditBlock();
   setTextCursor(cursor);
+}
+
+// What is dictated grows at its end, many times a second, behind a draft that may be long.
+qsizetype ExactTextEdit::commonStart(const QString& text) const {
+  const QString current = exactText();
+  // Where seams stand between the characters, these are not where the text has them.
+  if (document()->characterCount() - 1 != current.size())
+    return 0;
+  const auto end = std::ranges::mismatch(text, current).in1;
+  qsizetype kept = std::distance(text.begin(), end);
+  if (kept > 0 && text[kept - 1].isHighSurrogate())
+    --kept;
+  // A paragraph that becomes long gets its pieces from its start on.
+  const QStringView before = QStringView(text).first(kept);
+  const qsizetype start =
+      std::max(before.lastIndexOf(u'\n'), before.lastIndexOf(QChar(QChar::ParagraphSeparator))) + 1;
+  return lineEnd(text, kept) - start > longestParagraph ? start : kept;
 }
 
 bool ExactTextEdit::isComposing() const {

@@ -46,6 +46,8 @@ class ExactTextEdit : public QPlainTextEdit {
  private:
   void insertExactly(QTextCursor& cursor, const QString& text) const;
   [[nodiscard]] QString exactText(int from, int to) const;
+  /// How much of the text stands in the document already and may stay there.
+  [[nodiscard]] qsizetype commonStart(const QString& text) const;
   void deleteAcrossPiece(const QKeyEvent* event);
 
   bool m_reportsReturn = true;

@@ -57,6 +57,35 @@ TEST(ExactTextEdit, KeepsEveryCharacter) {
   }
 }
 
+// What both texts have in common stays in the document.
+TEST(ExactTextEdit, BecomesAnyTextFromAnyOther) {
+  const QStringList texts = {
+      QString(),
+      QStringLiteral("Buy milk"),
+      QStringLiteral("Buy milk and eggs"),
+      QStringLiteral("Buy milk\nand eggs"),
+      QStringLiteral("Buy milk\u2029and eggs\n"),
+      QStringLiteral("Buy 😀"),
+      QStringLiteral("Buy 😁"), // Its first half is that of the one before.
+      QStringLiteral("Buy\n") + longWord,
+      QStringLiteral("Buy\n") + longWord + QStringLiteral("\nmilk"),
+      QStringLiteral("Buy\n") + QString(ExactTextEdit::longestParagraph, u'x'),
+      QStringLiteral("Buy\n") + QString(ExactTextEdit::longestParagraph + 1, u'x'),
+  };
+  ExactTextEdit edit;
+  for (const QString& from : texts)
+    for (const QString& to : texts) {
+      edit.setExactText(from);
+      edit.setExactText(to);
+      EXPECT_EQ(edit.exactText(), to) << qPrintable(from.left(40)) << " to " << qPrintable(to.left(40));
+      EXPECT_TRUE(edit.textCursor().atEnd());
+      for (QTextBlock block = edit.document()->begin(); block.isValid(); block = block.next())
+        EXPECT_LE(block.length(), ExactTextEdit::longestParagraph + 1);
+      edit.undo();
+      EXPECT_TRUE(from == to || edit.exactText() == from) << "undone";
+    }
+}
+
 TEST(ExactTextEdit, TakesForeignLineEndsAsNewlines) {
   ExactTextEdit edit;
   paste(edit, QStringLiteral("one\r\ntwo\rthree\n\r\nfour"));
