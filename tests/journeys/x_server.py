@@ -66,6 +66,12 @@ class XServer:
         area = window.shape_get_rectangles(shape.SK.Bounding)
         return any(box.x <= x < box.x + box.width and box.y <= y < box.y + box.height for box in area.rectangles)
 
+    def color(self, window, x, y):
+        """What is seen at the point, seen from the window's corner, as a colour code."""
+        left, top, _, _ = self.frame(window)
+        blue, green, red = self.root.get_image(left + x, top + y, 1, 1, X.ZPixmap, 0xFFFFFFFF).data[:3]
+        return f"{red:02X}{green:02X}{blue:02X}"
+
     def property(self, window, name):
         found = window.get_full_property(self.atom(name), X.AnyPropertyType)
         return list(found.value) if found else []

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QStandardPaths>
 
 namespace notlet {
@@ -19,8 +20,39 @@ QString firstFolder() {
   return QFileInfo(documents).isDir() ? documents : QDir::homePath();
 }
 
-QFileDialog* makeDialog(const std::string& title, QFileDialog::AcceptMode mode) {
-  auto* dialog = new QFileDialog(widgetInUse(), QString::fromStdString(title));
+/// The stock dialog looks at what is marked in its list first, which need not be what was typed: a path may
+/// make it enter a folder and forget the path.
+class FileDialog final : public QFileDialog {
+ public:
+  using QFileDialog::QFileDialog;
+
+  /// The file that was typed, else what is marked.
+  [[nodiscard]] QString chosenFile() const {
+    const QStringList marked = selectedFiles();
+    return !m_typed.isEmpty() || marked.isEmpty() ? m_typed : marked.front();
+  }
+
+ protected:
+  void accept() override {
+    const QFileInfo typed(typedFile());
+    if (acceptMode() != AcceptOpen || !typed.isFile())
+      return QFileDialog::accept();
+    m_typed = typed.absoluteFilePath();
+    QDialog::accept();
+  }
+
+ private:
+  /// The desktop's own dialog has no such line.
+  [[nodiscard]] QString typedFile() const {
+    const auto* line = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    return line == nullptr || line->text().isEmpty() ? QString() : directory().filePath(line->text());
+  }
+
+  QString m_typed;
+};
+
+FileDialog* makeDialog(const std::string& title, QFileDialog::AcceptMode mode) {
+  auto* dialog = new FileDialog(widgetInUse(), QString::fromStdString(title));
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->setAcceptMode(mode);
   dialog->setMimeTypeFilters({QStringLiteral("application/json")});
@@ -32,10 +64,10 @@ std::filesystem::path pathOf(const QString& file) {
   return QFile::encodeName(file).toStdString();
 }
 
-void show(QFileDialog* dialog, FileChooser::Answer answer) {
+void show(FileDialog* dialog, FileChooser::Answer answer) {
   QObject::connect(dialog, &QFileDialog::finished, dialog, [dialog, answer = std::move(answer)](int code) {
-    if (code == QDialog::Accepted && !dialog->selectedFiles().isEmpty())
-      answer(pathOf(dialog->selectedFiles().front()));
+    if (const QString file = dialog->chosenFile(); code == QDialog::Accepted && !file.isEmpty())
+      answer(pathOf(file));
     else
       answer(std::nullopt);
   });
@@ -45,14 +77,14 @@ void show(QFileDialog* dialog, FileChooser::Answer answer) {
 } // namespace
 
 void QtFileChooser::chooseFileToOpen(const std::string& title, Answer answer) {
-  QFileDialog* dialog = makeDialog(title, QFileDialog::AcceptOpen);
+  FileDialog* dialog = makeDialog(title, QFileDialog::AcceptOpen);
   dialog->setFileMode(QFileDialog::ExistingFile);
   show(dialog, std::move(answer));
 }
 
 void QtFileChooser::chooseFileToSave(const std::string& title, const std::string& proposedName,
                                      Answer answer) {
-  QFileDialog* dialog = makeDialog(title, QFileDialog::AcceptSave);
+  FileDialog* dialog = makeDialog(title, QFileDialog::AcceptSave);
   dialog->setDefaultSuffix(QStringLiteral("json"));
   dialog->selectFile(QString::fromStdString(proposedName));
   show(dialog, std::move(answer));

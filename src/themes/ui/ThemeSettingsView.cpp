@@ -88,6 +88,8 @@ void ThemeSettingsView::connectHandlers() {
   connect(m_search, &SearchField::textChanged, &m_browser,
           [this](const QString& text) { m_browser.setSearchText(toUtf8(text)); });
   connect(m_search, &SearchField::focusChanged, &m_browser, &ThemeBrowser::setSearchFocused);
+  connect(m_search, &SearchField::focusChanged, this, &ThemeSettingsView::takeLostKeyboard,
+          Qt::QueuedConnection);
   connect(m_options, &IconButton::clicked, this, &ThemeSettingsView::openOptions);
   m_options->installEventFilter(this);
 }
@@ -114,6 +116,14 @@ void ThemeSettingsView::renderFocus() {
     m_search->setFocus(Qt::OtherFocusReason);
   else
     m_list->setFocus(Qt::OtherFocusReason);
+}
+
+/// The shortcuts take the keyboard away from a field at Escape and give it to nobody.
+void ThemeSettingsView::takeLostKeyboard(bool isInSearch) {
+  if (isInSearch || !isVisible() || window()->focusWidget() != nullptr)
+    return;
+  m_browser.handleKey("escape");
+  m_list->setFocus(Qt::OtherFocusReason);
 }
 
 void ThemeSettingsView::renderEditor() {

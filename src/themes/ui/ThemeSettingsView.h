@@ -37,6 +37,7 @@ class ThemeSettingsView : public QWidget {
   void connectHandlers();
   void render();
   void renderFocus();
+  void takeLostKeyboard(bool isInSearch);
   void renderEditor();
   void renderAlert(QPointer<Alert>& alert, const std::optional<std::string>& message, const QString& title,
                    void (ThemeBrowser::*dismiss)());

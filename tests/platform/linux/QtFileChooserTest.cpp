@@ -4,6 +4,9 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QLineEdit>
+#include <QListView>
+#include <QTest>
 #include <fstream>
 
 #include "support/TemporaryDirectory.h"
@@ -45,6 +48,28 @@ TEST_F(QtFileChooserTest, GivesTheFileThatWasChosen) {
   static_cast<QDialog*>(dialog())->accept();
   EXPECT_EQ(chosen, file);
   EXPECT_EQ(answers, 1);
+}
+
+TEST_F(QtFileChooserTest, WhatIsTypedCountsBeforeWhatIsMarked) {
+  const auto file = directory.path() / "mine.json";
+  std::ofstream(file) << "[]";
+  std::filesystem::create_directory(directory.path() / "folder");
+  chooser.chooseFileToOpen("Import", keep());
+  ASSERT_NE(dialog(), nullptr);
+  dialog()->setDirectory(QString::fromStdString(directory.path().string()));
+  auto* line = dialog()->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+  auto* list = dialog()->findChild<QListView*>(QStringLiteral("listView"));
+  QModelIndexList folder;
+  ASSERT_TRUE(QTest::qWaitFor([&] {
+    folder = list->model()->match(list->model()->index(0, 0, list->rootIndex()), Qt::DisplayRole,
+                                  QStringLiteral("folder"));
+    return !folder.isEmpty();
+  }));
+  line->setText(QString::fromStdString(file.string()));
+  list->selectionModel()->select(folder.front(),
+                                 QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+  static_cast<QDialog*>(dialog())->accept();
+  EXPECT_EQ(chosen, file);
 }
 
 TEST_F(QtFileChooserTest, ProposesANameAndAddsItsSuffix) {

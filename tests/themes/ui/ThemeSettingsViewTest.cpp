@@ -67,6 +67,16 @@ TEST_F(ThemeSettingsViewTest, ThemesStandBelowTheirCategories) {
   EXPECT_EQ(rowText(70), QStringLiteral("Two lines, Dark, Selected"));
 }
 
+// The keys would go nowhere.
+TEST_F(ThemeSettingsViewTest, AKeyboardThatIsTakenFromTheFieldGoesToTheList) {
+  show();
+  press(Qt::Key_Down);
+  search()->setFocus();
+  search()->clearFocus();
+  EXPECT_TRUE(QTest::qWaitFor([this] { return list().hasFocus(); }));
+  EXPECT_FALSE(view->browser().state().activeThemeID);
+}
+
 TEST_F(ThemeSettingsViewTest, KeysReachTheRulesFromListAndField) {
   show();
   EXPECT_TRUE(list().hasFocus()) << "the screen takes the keyboard when it appears";
