@@ -97,6 +97,26 @@ function(notlet_program name)
   install(TARGETS ${name} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 endfunction()
 
+# notlet_library(<name> FOLDER <folder> QT <level> [USES <folder>...] SOURCES <file>...)
+# A composition root as well: a library that a program loads when it is needed, beside the programs in the build
+# tree. It shows nothing but what it marks as visible.
+function(notlet_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER;QT" "USES;SOURCES")
+  list(TRANSFORM arg_SOURCES PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/${arg_FOLDER}/")
+  add_library(${name} MODULE ${arg_SOURCES})
+  set_target_properties(${name} PROPERTIES PREFIX "" CXX_VISIBILITY_PRESET hidden
+    LIBRARY_OUTPUT_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+  target_link_libraries(${name} PRIVATE notlet_build)
+  target_link_options(${name} PRIVATE -Wl,--exclude-libs,ALL)
+  foreach(used IN LISTS arg_USES)
+    notlet_target_name(used_target "${used}")
+    target_link_libraries(${name} PRIVATE ${used_target})
+  endforeach()
+  list(JOIN arg_USES " " uses)
+  file(APPEND "${NOTLET_ARROWS_FILE}" "${arg_FOLDER} ${arg_QT}: ${uses}\n")
+  install(TARGETS ${name} LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/notlet")
+endfunction()
+
 # notlet_test(<folder> SOURCES <file>... [LINK <library>...]): the test program of one module, which links
 # that module alone. Modules below Qt run under GoogleTest's own main, the others under one with an
 # application object on the offscreen platform.

@@ -26,6 +26,7 @@ Places Places::fromEnvironment() {
   Places places;
   places.data = below("XDG_DATA_HOME", ".local/share");
   places.state = below("XDG_STATE_HOME", ".local/state");
+  places.settings = below("XDG_CONFIG_HOME", ".config");
   if (home)
     places.configuration = *home / ".config" / "notlet";
   places.runtime = absolutePath(std::getenv("XDG_RUNTIME_DIR"));

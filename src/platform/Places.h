@@ -13,6 +13,8 @@ struct Places {
   std::optional<std::filesystem::path> state;
   /// Holds the shortcut file; always `~/.config/notlet`.
   std::optional<std::filesystem::path> configuration;
+  /// Holds the settings of dictation; `$XDG_CONFIG_HOME/notlet`.
+  std::optional<std::filesystem::path> settings;
   /// Holds the socket through which a second start reaches the first; `$XDG_RUNTIME_DIR`, else `state`.
   std::optional<std::filesystem::path> runtime;
 

@@ -1,0 +1,28 @@
+#include "platform/speech/InstalledSpeech.h"
+
+#include <gmock/gmock.h>
+
+namespace notlet {
+namespace {
+
+TEST(InstalledSpeechTest, LibraryMakesEachKind) {
+  InstalledSpeech speech(Places(), InstalledSpeech::libraryOf(NOTLET_PROGRAM_DIR));
+  EXPECT_TRUE(speech.makeAudioInput());
+  for (const SpeechModel& model : {SpeechModel(SpeechProgram{{"/bin/true"}}), SpeechModel(VoskModel{}),
+                                   SpeechModel(PocketSphinxModel{"/none", "/none", "/none"})}) {
+    const auto engine = speech.makeEngine(model);
+    ASSERT_TRUE(engine);
+    EXPECT_EQ((*engine)->load().has_value(), std::holds_alternative<SpeechProgram>(model));
+  }
+}
+
+TEST(InstalledSpeechTest, MissingLibraryIsTold) {
+  InstalledSpeech speech(Places(), "/nonexistent/library.so");
+  const auto input = speech.makeAudioInput();
+  ASSERT_FALSE(input);
+  EXPECT_THAT(input.error().message, testing::HasSubstr("Dictation is not installed completely: "));
+  EXPECT_FALSE(speech.makeEngine(SpeechProgram{{"/bin/true"}}));
+}
+
+} // namespace
+} // namespace notlet
