@@ -1,6 +1,7 @@
 #include "app/NotletMacApp.h"
 
 #include <QApplication>
+#include <QLocale>
 #include <QShortcut>
 
 #include "archive/ui/MacArchiveView.h"
@@ -39,6 +40,18 @@ std::optional<std::filesystem::path> editDirectory(const Places& places) {
   return *places.state / "drafts" / "edits";
 }
 
+std::filesystem::path programDirectory() {
+  return toUtf8(QCoreApplication::applicationDirPath());
+}
+
+/// As the user's session names them, the first choice first.
+std::vector<std::string> preferredLanguages() {
+  std::vector<std::string> languages;
+  for (const QString& language : QLocale::system().uiLanguages())
+    languages.push_back(toUtf8(language));
+  return languages;
+}
+
 /// For the first window to be painted and to get the keyboard.
 constexpr std::chrono::milliseconds timeToComeUp{150};
 
@@ -48,6 +61,8 @@ NotletMacApp::NotletMacApp(const Places& places)
     : m_sharedDefaults(defaultsFile(places, "shared-defaults.json")),
       m_defaults(defaultsFile(places, "defaults.json")),
       m_settings(m_sharedDefaults),
+      m_speech(places, InstalledSpeech::libraryOf(programDirectory())),
+      m_speechService(m_speech, m_scheduler),
       m_shortcutSettings(places.configuration, m_fileOpener),
       m_coordinator({m_notificationCenter, m_shortcutSettings, m_steadyClock, m_focusedWidget}),
       m_shortcutDraft(m_shortcutSettings),
@@ -106,7 +121,7 @@ void NotletMacApp::makeRules(ModelContext& context) {
 void NotletMacApp::makeComposer(Capture& capture, ModelContext& context, CaptureComposer::Surface surface) {
   capture.composer = std::make_unique<CaptureComposer>(
       CaptureComposer::Surroundings{context, m_notificationCenter, m_clock, m_scheduler, capture.draftKeeper,
-                                    &m_desktop.widgetTimelines()},
+                                    &m_desktop.widgetTimelines(), &m_speechService, preferredLanguages()},
       surface);
 }
 

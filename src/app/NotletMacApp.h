@@ -22,6 +22,7 @@
 #include "platform/linux/FocusedWidget.h"
 #include "platform/linux/KeyMonitor.h"
 #include "platform/linux/QtFileChooser.h"
+#include "platform/speech/InstalledSpeech.h"
 #include "shell/DesktopLimits.h"
 #include "shell/MacFloatingPanelController.h"
 #include "shell/NotletMacAppDelegate.h"
@@ -101,6 +102,8 @@ class NotletMacApp : public QObject {
   JsonFileDefaults m_defaults;
   AppSettings m_settings;
   Desktop m_desktop;
+  InstalledSpeech m_speech;
+  SpeechService m_speechService;
 
   DesktopFileOpener m_fileOpener;
   QtFileChooser m_fileChooser;

@@ -27,6 +27,12 @@ constexpr int rowOverhang = 6;
 constexpr int narrowestHint = 200;
 constexpr int leastLines = 2;
 
+/// Whether the key writes, or moves the caret.
+bool isTyping(const QKeyEvent& event) {
+  const bool isMove = event.key() >= Qt::Key_Home && event.key() <= Qt::Key_PageDown;
+  return isMove || (!event.text().isEmpty() && event.key() != Qt::Key_Escape);
+}
+
 const QString hintText = QStringLiteral("Return to save · Shift Return for new line");
 
 } // namespace
@@ -223,7 +229,7 @@ void ComposerCard::keyPressEvent(QKeyEvent* event) {
   if (useKey(*event))
     return;
   // What is typed while the card has the keyboard is meant for the editor.
-  if (!hasFocus() || event->text().isEmpty())
+  if (!hasFocus() || !isTyping(*event))
     return QWidget::keyPressEvent(event);
   m_composer.setInputFocused(true);
   QCoreApplication::sendEvent(m_editor, event);
@@ -244,7 +250,6 @@ bool ComposerCard::useKey(const QKeyEvent& event) {
   if (event.key() != Qt::Key_Escape || m_composer.state().dictation == CaptureComposer::Dictation::off)
     return false;
   m_composer.stopDictation();
-  m_composer.setInputFocused(true);
   return true;
 }
 
