@@ -106,6 +106,10 @@ bool ProgramEngine::read() {
 }
 
 void ProgramEngine::readLine(std::string_view line) {
+  // Most of what means nothing is told without being read.
+  const std::size_t first = line.find_first_not_of(" \t");
+  if (first == std::string_view::npos || line[first] != '{')
+    return;
   const auto json = parseJsonText(line, longestLine);
   if (!json || !json->is_object())
     return;
