@@ -41,10 +41,14 @@ bool AppThemeContainer::eventFilter(QObject* watched, QEvent* event) {
 }
 
 // Dialogs and menus are windows and would show the desktop's palette instead of that of the widget they
-// belong to.
+// belong to. A list of completions has no parent at all.
 void AppThemeContainer::adopt(QWidget* widget) {
-  if (widget->isWindow() && around(widget->parentWidget()) == this)
+  if (!widget->isWindow())
+    return;
+  if (around(widget->parentWidget()) == this)
     widget->setAttribute(Qt::WA_WindowPropagation);
+  else if (widget->windowType() == Qt::Popup && around(widget->focusProxy()) == this)
+    widget->setPalette(palette());
 }
 
 void AppThemeContainer::applyTheme() {

@@ -63,11 +63,13 @@ TEST(NotletStyle, AnEmptyFieldAndABoxToTickCanBeMadeOut) {
       control->setPalette(palette);
       control->resize(100, 30);
       const QImage image = control->grab().toImage();
+      // Where the outline is straight.
+      const int x = control == &box ? 9 : 50;
       double strongest = 0;
       for (int y = 0; y < image.height(); ++y)
         strongest =
-            std::max(strongest, contrastRatio(image.pixelColor(8, y), palette.color(ThemeRole::background)));
-      EXPECT_GE(strongest, 3.0) << id;
+            std::max(strongest, contrastRatio(image.pixelColor(x, y), palette.color(ThemeRole::background)));
+      EXPECT_GE(strongest, 3.0) << id << ' ' << control->metaObject()->className();
     }
     const QImage empty = box.grab().toImage();
     box.setChecked(true);

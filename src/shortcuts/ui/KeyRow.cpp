@@ -6,7 +6,7 @@
 #include <QVBoxLayout>
 
 #include "shortcuts/ShortcutWarnings.h"
-#include "shortcuts/ui/FormCard.h"
+#include "widgets/FormCard.h"
 #include "widgets/TextConversion.h"
 #include "widgets/TextStyle.h"
 #include "widgets/ThemePalette.h"
@@ -24,7 +24,7 @@ KeyRow::KeyRow(ShortcutSettingsDraft& draft, ShortcutField field, const QString&
     : QWidget(parent),
       m_draft(draft),
       m_field(field),
-      m_edit(new RoundedLineEdit),
+      m_edit(new QLineEdit),
       m_record(new TextButton(QStringLiteral("Press a key"), TextButton::Look::standard)),
       m_note(new QLabel) {
   const QString name = fromUtf8(title(field));

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <QLabel>
+#include <QLineEdit>
 #include <QWidget>
 
 #include "shortcuts/ShortcutSettingsDraft.h"
-#include "shortcuts/ui/RoundedLineEdit.h"
 #include "widgets/TextButton.h"
 
 namespace notlet {
@@ -28,7 +28,7 @@ class KeyRow : public QWidget {
 
   ShortcutSettingsDraft& m_draft;
   ShortcutField m_field;
-  RoundedLineEdit* m_edit;
+  QLineEdit* m_edit;
   TextButton* m_record;
   QLabel* m_note;
 };

@@ -1,14 +1,15 @@
 #include "shortcuts/ui/ShortcutForm.h"
 
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
 #include "shortcuts/DesktopNotes.h"
-#include "shortcuts/ui/FormCard.h"
 #include "shortcuts/ui/KeyRow.h"
 #include "shortcuts/ui/TimeoutStepper.h"
+#include "widgets/FormCard.h"
 #include "widgets/Hairline.h"
 #include "widgets/TextConversion.h"
 #include "widgets/TextStyle.h"
@@ -103,7 +104,7 @@ FormCard* ShortcutForm::makeDesktopCard() {
 }
 
 QWidget* ShortcutForm::makeFileCard(const QString& location) {
-  auto* path = new RoundedLineEdit;
+  auto* path = new QLineEdit;
   path->setReadOnly(true);
   path->setText(location);
   path->setCursorPosition(0);

@@ -7,7 +7,6 @@
 
 #include "platform/DesktopCapabilities.h"
 #include "shortcuts/ShortcutSettingsDraft.h"
-#include "shortcuts/ui/RoundedLineEdit.h"
 #include "widgets/TextButton.h"
 
 namespace notlet {

@@ -2,7 +2,7 @@
 
 #include <QHBoxLayout>
 
-#include "shortcuts/ui/FormCard.h"
+#include "widgets/FormCard.h"
 #include "widgets/TextStyle.h"
 
 namespace notlet {

@@ -1,12 +1,14 @@
 #include "themes/ui/CustomThemeEditor.h"
 
 #include <QColorDialog>
-#include <QGridLayout>
-#include <QPainter>
+#include <QScreen>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 #include <cmath>
 
+#include "widgets/FormCard.h"
+#include "widgets/Hairline.h"
 #include "widgets/TextConversion.h"
 #include "widgets/TextStyle.h"
 #include "widgets/ThemePalette.h"
@@ -18,20 +20,8 @@ namespace {
 constexpr QSize smallestSize{420, 560};
 constexpr int margin = 20;
 constexpr int spacing = 12;
+constexpr int sectionSpacing = 20;
 constexpr int codeWidth = 96;
-constexpr double cardRadius = 10;
-
-/// A group of the form, on a surface.
-class FormCard : public QWidget {
- protected:
-  void paintEvent(QPaintEvent*) override {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(palette().brush(ThemeRole::surface));
-    painter.drawRoundedRect(rect(), cardRadius, cardRadius);
-  }
-};
 
 QString labelOf(ThemeColor color) {
   switch (color) {
@@ -61,6 +51,7 @@ QLabel* makeLabel(const QString& text, TextStyle style, QPalette::ColorRole role
 QLabel* makeHint() {
   QLabel* hint = makeLabel({}, TextStyle::footnote, ThemeRole::primaryText);
   hint->setWordWrap(true);
+  hint->setContentsMargins(cardPadding, 0, cardPadding, 0);
   hint->hide();
   return hint;
 }
@@ -70,23 +61,26 @@ void setHint(QLabel* hint, const QString& text) {
   hint->setVisible(!text.isEmpty());
 }
 
-QWidget* withHeading(const QString& heading, QWidget* content) {
-  auto* section = new QWidget;
-  auto* column = new QVBoxLayout(section);
-  column->setContentsMargins(0, 0, 0, 0);
-  column->setSpacing(6);
-  column->addWidget(makeLabel(heading, TextStyle::footnote, ThemeRole::secondaryText));
-  column->addWidget(content);
-  return section;
+QWidget* makeRow(std::initializer_list<QWidget*> controls) {
+  auto* row = new QWidget;
+  auto* line = new QHBoxLayout(row);
+  line->setContentsMargins(cardPadding, 6, cardPadding, 6);
+  line->setSpacing(spacing);
+  for (QWidget* control : controls)
+    line->addWidget(control);
+  return row;
 }
 
-QGridLayout* makeGrid(QWidget* card) {
-  auto* grid = new QGridLayout(card);
-  grid->setContentsMargins(14, 10, 14, 10);
-  grid->setHorizontalSpacing(spacing);
-  grid->setVerticalSpacing(8);
-  grid->setColumnStretch(0, 1);
-  return grid;
+/// The text colours that the program does not show as they are chosen.
+QStringList strengthenedTexts(const AppTheme& theme) {
+  const QPalette palette = themePalette(theme, {});
+  QStringList names;
+  for (const auto& [color, role] : {std::pair(ThemeColor::primaryText, ThemeRole::primaryText),
+                                    std::pair(ThemeColor::secondaryText, ThemeRole::secondaryText)}) {
+    if (palette.color(role) != colorFromHex(codeOf(theme, color)))
+      names.append(labelOf(color).toLower());
+  }
+  return names;
 }
 
 QString contrastText(double contrast) {
@@ -111,7 +105,6 @@ CustomThemeEditor::CustomThemeEditor(const AppTheme& theme, std::function<void(c
   setAttribute(Qt::WA_DeleteOnClose);
   setAttribute(Qt::WA_WindowPropagation);
   setWindowTitle(tr("Custom Theme"));
-  setMinimumSize(smallestSize);
   layOut();
   connect(&m_draft, &CustomThemeDraft::changed, this, &CustomThemeEditor::render);
   render();
@@ -124,24 +117,36 @@ void CustomThemeEditor::layOut() {
   scroll->setFrameShape(QFrame::NoFrame);
   scroll->setWidgetResizable(true);
   scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  // The bar draws nothing while there is nothing to scroll; nothing moves aside when a hint makes it needed.
+  scroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
   scroll->setFocusPolicy(Qt::NoFocus);
   scroll->viewport()->setBackgroundRole(ThemeRole::background);
-  scroll->setWidget(makeForm());
+  scroll->setWidget(makeForm(margin - scroll->verticalScrollBar()->sizeHint().width()));
   scroll->widget()->setBackgroundRole(ThemeRole::background);
 
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
   column->addWidget(scroll, 1);
-  column->addLayout(makeButtons());
-  resize(smallestSize.width() + margin, scroll->widget()->sizeHint().height() + 64);
+  column->addWidget(new Hairline(Qt::Horizontal));
+  QLayout* buttons = makeButtons();
+  column->addLayout(buttons);
+  fitToScreen(scroll->widget()->sizeHint().height() + buttons->sizeHint().height() + 1);
 }
 
-QWidget* CustomThemeEditor::makeForm() {
+/// As high as all of the form, but no larger than the screen has room for.
+void CustomThemeEditor::fitToScreen(int wholeHeight) {
+  constexpr QSize windowFrame{16, 48};
+  const QSize room = screen()->availableSize() - windowFrame;
+  setMinimumSize(smallestSize.boundedTo(room));
+  resize(QSize(smallestSize.width() + margin, std::max(wholeHeight, smallestSize.height())).boundedTo(room));
+}
+
+QWidget* CustomThemeEditor::makeForm(int rightMargin) {
   auto* form = new QWidget;
   auto* column = new QVBoxLayout(form);
-  column->setContentsMargins(margin, margin, margin, spacing);
-  column->setSpacing(spacing);
+  column->setContentsMargins(margin, margin, rightMargin, spacing);
+  column->setSpacing(sectionSpacing);
   column->addWidget(makeLabel(windowTitle(), TextStyle::title, ThemeRole::primaryText));
   column->addWidget(makeThemeSection());
   column->addWidget(makeColorSection());
@@ -151,65 +156,68 @@ QWidget* CustomThemeEditor::makeForm() {
 }
 
 QWidget* CustomThemeEditor::makeThemeSection() {
-  auto* card = new FormCard;
-  QGridLayout* grid = makeGrid(card);
+  auto* card = new FormCard(tr("Theme"));
   QLabel* nameLabel = makeLabel(tr("Name"), TextStyle::body, ThemeRole::primaryText);
   nameLabel->setBuddy(m_name);
   m_name->setAccessibleName(tr("Name"));
   m_dark->setText(tr("Dark appearance"));
-  grid->setColumnStretch(0, 0);
-  grid->setColumnStretch(1, 1);
-  grid->addWidget(nameLabel, 0, 0);
-  grid->addWidget(m_name, 0, 1);
-  grid->addWidget(m_dark, 1, 0, 1, 2);
+  card->addRow(makeRow({nameLabel, m_name}));
+  card->addRow(makeRow({m_dark}));
   connect(m_name, &QLineEdit::textChanged, &m_draft,
           [this](const QString& text) { m_draft.setName(toUtf8(text)); });
   connect(m_dark, &QCheckBox::toggled, &m_draft, &CustomThemeDraft::setDark);
-  return withHeading(tr("Theme"), card);
+  return card;
 }
 
 QWidget* CustomThemeEditor::makeColorSection() {
-  auto* card = new FormCard;
-  QGridLayout* grid = makeGrid(card);
-  int line = 0;
-  for (const ThemeColor color : allThemeColors) {
-    const QString name = labelOf(color);
-    auto* code = new QLineEdit;
-    code->setFixedWidth(codeWidth);
-    code->setAccessibleName(tr("%1 code").arg(name));
-    auto* well = new ColorWell(name);
-    grid->addWidget(makeLabel(name, TextStyle::body, ThemeRole::primaryText), line, 0);
-    grid->addWidget(code, line, 1);
-    grid->addWidget(well, line++, 2);
-    connect(code, &QLineEdit::textChanged, &m_draft,
-            [this, color](const QString& text) { m_draft.typeCode(color, toUtf8(text)); });
-    connect(well, &ColorWell::clicked, this, [this, color] { pickColor(color); });
-    m_colors.at(static_cast<std::size_t>(color)) = {code, well};
-  }
-  grid->addWidget(m_codeHint, line, 0, 1, 3);
-  return withHeading(tr("Colors"), card);
+  auto* card = new FormCard(tr("Colors"));
+  for (const ThemeColor color : allThemeColors)
+    card->addRow(makeColorRow(color));
+  auto* section = new QWidget;
+  auto* column = new QVBoxLayout(section);
+  column->setContentsMargins({});
+  column->setSpacing(spacing);
+  column->addWidget(card);
+  column->addWidget(m_codeHint);
+  return section;
+}
+
+QWidget* CustomThemeEditor::makeColorRow(ThemeColor color) {
+  const QString name = labelOf(color);
+  QLabel* label = makeLabel(name, TextStyle::body, ThemeRole::primaryText);
+  label->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+  auto* code = new QLineEdit;
+  code->setFixedWidth(codeWidth);
+  code->setAccessibleName(tr("%1 code").arg(name));
+  auto* well = new ColorWell(name);
+  connect(code, &QLineEdit::textChanged, &m_draft,
+          [this, color](const QString& text) { m_draft.typeCode(color, toUtf8(text)); });
+  connect(well, &ColorWell::clicked, this, [this, color] { pickColor(color); });
+  m_colors.at(static_cast<std::size_t>(color)) = {code, well};
+  return makeRow({label, code, well});
 }
 
 QWidget* CustomThemeEditor::makePreviewSection() {
-  auto* content = new QWidget;
-  auto* column = new QVBoxLayout(content);
-  column->setContentsMargins(0, 0, 0, 0);
-  column->setSpacing(spacing);
+  auto* section = new QWidget;
+  auto* column = new QVBoxLayout(section);
+  column->setContentsMargins({});
+  column->setSpacing(8);
+  column->addWidget(FormCard::makeHeading(tr("Preview")));
   column->addWidget(m_preview);
   column->addWidget(m_contrastHint);
   // Its room is there before it is needed: a hint below the end of the sheet would be overlooked.
   QSizePolicy policy = m_contrastHint->sizePolicy();
   policy.setRetainSizeWhenHidden(true);
   m_contrastHint->setSizePolicy(policy);
-  m_contrastHint->setMinimumHeight(2 * m_contrastHint->fontMetrics().lineSpacing());
+  m_contrastHint->setMinimumHeight(3 * m_contrastHint->fontMetrics().lineSpacing());
   m_contrastHint->setAlignment(Qt::AlignTop);
-  return withHeading(tr("Preview"), content);
+  return section;
 }
 
 QLayout* CustomThemeEditor::makeButtons() {
   auto* cancel = new TextButton(tr("Cancel"), TextButton::Look::standard);
   auto* row = new QHBoxLayout;
-  row->setContentsMargins(margin, spacing, margin, spacing + 4);
+  row->setContentsMargins(margin, spacing, margin, spacing);
   row->setSpacing(8);
   row->addStretch();
   row->addWidget(cancel);
@@ -242,13 +250,22 @@ void CustomThemeEditor::renderHints() {
   const bool areCodes =
       std::ranges::all_of(allThemeColors, [this](ThemeColor color) { return m_draft.isCode(color); });
   setHint(m_codeHint, areCodes ? QString() : tr("A color code has three or six digits from 0 to F."));
-  QStringList texts;
+  setHint(m_contrastHint, contrastHint());
+}
+
+QString CustomThemeEditor::contrastHint() const {
+  QStringList sentences;
+  QStringList faint;
   for (const auto& [color, contrast] : m_draft.faintTexts())
-    texts.append(tr("%1 (%2:1)").arg(labelOf(color).toLower(), contrastText(contrast)));
-  setHint(m_contrastHint, texts.isEmpty()
-                              ? QString()
-                              : tr("Hard to read on the background: %1. A contrast of 4.5:1 is needed.")
-                                    .arg(texts.join(QStringLiteral(", "))));
+    faint.append(tr("%1 (%2:1)").arg(labelOf(color).toLower(), contrastText(contrast)));
+  if (!faint.isEmpty())
+    sentences.append(
+        tr("Hard to read on the background, below 4.5:1: %1.").arg(faint.join(QStringLiteral(", "))));
+  const QStringList strengthened = strengthenedTexts(m_draft.state().theme);
+  if (!strengthened.isEmpty())
+    sentences.append(tr("Notlet shows %1 stronger than chosen.")
+                         .arg(strengthened.size() > 1 ? tr("both texts") : strengthened.front()));
+  return sentences.join(u' ');
 }
 
 void CustomThemeEditor::pickColor(ThemeColor color) {

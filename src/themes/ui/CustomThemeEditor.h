@@ -35,13 +35,16 @@ class CustomThemeEditor : public QDialog {
   };
 
   void layOut();
-  [[nodiscard]] QWidget* makeForm();
+  void fitToScreen(int wholeHeight);
+  [[nodiscard]] QWidget* makeForm(int rightMargin);
   [[nodiscard]] QWidget* makeThemeSection();
   [[nodiscard]] QWidget* makeColorSection();
+  [[nodiscard]] QWidget* makeColorRow(ThemeColor color);
   [[nodiscard]] QWidget* makePreviewSection();
   [[nodiscard]] QLayout* makeButtons();
   void render();
   void renderHints();
+  [[nodiscard]] QString contrastHint() const;
   void pickColor(ThemeColor color);
   void save();
 

@@ -103,13 +103,20 @@ TEST_F(CustomThemeEditorTest, NothingIsSavedWithoutANameOrWithHalfACode) {
 
 TEST_F(CustomThemeEditorTest, FaintTextIsPointedOut) {
   EXPECT_TRUE(shownHints().isEmpty());
-  named<QLineEdit>(QStringLiteral("Background code"))->setText(QStringLiteral("FFFFFF"));
-  named<QLineEdit>(QStringLiteral("Primary text code"))->setText(QStringLiteral("777777"));
-  named<QLineEdit>(QStringLiteral("Secondary text code"))->setText(QStringLiteral("000"));
-  EXPECT_EQ(
-      shownHints().join(QChar(u' ')),
-      QStringLiteral("Hard to read on the background: primary text (4.4:1). A contrast of 4.5:1 is needed."));
+  for (const auto& [field, code] : {std::pair("Background code", "FFFFFF"),
+                                    {"Surface code", "FFFFFF"},
+                                    {"Primary text code", "777777"},
+                                    {"Secondary text code", "000"}})
+    named<QLineEdit>(QLatin1String(field))->setText(QLatin1String(code));
+  EXPECT_EQ(shownHints().join(QChar(u' ')),
+            QStringLiteral("Hard to read on the background, below 4.5:1: primary text (4.4:1). Notlet shows "
+                           "primary text stronger than chosen."));
   EXPECT_TRUE(button(QStringLiteral("Save"))->isEnabled());
+  // Cards are grounds of texts, too.
+  named<QLineEdit>(QStringLiteral("Primary text code"))->setText(QStringLiteral("727272"));
+  named<QLineEdit>(QStringLiteral("Surface code"))->setText(QStringLiteral("EEEEEE"));
+  EXPECT_EQ(shownHints().join(QChar(u' ')),
+            QStringLiteral("Notlet shows primary text stronger than chosen."));
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "shortcuts/ui/FormCard.h"
+#include "widgets/FormCard.h"
 
 #include <QLabel>
 #include <QPainter>
@@ -28,9 +28,6 @@ class CardGround : public QWidget {
 } // namespace
 
 FormCard::FormCard(const QString& title, QWidget* parent) : QWidget(parent), m_rows(nullptr) {
-  auto* heading = new QLabel(title);
-  heading->setFont(textFont(TextStyle::subheadline, QFont::DemiBold));
-  heading->setContentsMargins(cardPadding, 0, cardPadding, 0);
   auto* ground = new CardGround;
   m_rows = new QVBoxLayout(ground);
   m_rows->setContentsMargins(1, 1, 1, 1);
@@ -38,8 +35,15 @@ FormCard::FormCard(const QString& title, QWidget* parent) : QWidget(parent), m_r
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins({});
   column->setSpacing(8);
-  column->addWidget(heading);
+  column->addWidget(makeHeading(title));
   column->addWidget(ground);
+}
+
+QLabel* FormCard::makeHeading(const QString& title) {
+  auto* heading = new QLabel(title);
+  heading->setFont(textFont(TextStyle::subheadline, QFont::DemiBold));
+  heading->setContentsMargins(cardPadding, 0, cardPadding, 0);
+  return heading;
 }
 
 void FormCard::addRow(QWidget* row) {

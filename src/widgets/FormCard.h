@@ -3,6 +3,8 @@
 #include <QVBoxLayout>
 #include <QWidget>
 
+class QLabel;
+
 namespace notlet {
 
 /// A group of rows on a raised surface, under a heading.
@@ -11,6 +13,9 @@ class FormCard : public QWidget {
 
  public:
   explicit FormCard(const QString& title, QWidget* parent = nullptr);
+
+  /// The heading of what stands among cards and is none.
+  [[nodiscard]] static QLabel* makeHeading(const QString& title);
 
   /// Takes the row as its child; a hairline parts it from the one above.
   void addRow(QWidget* row);
