@@ -52,8 +52,9 @@ void paintOutlined(QPainter& painter, const QRect& rect, double radius, const QB
   painter.drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
 }
 
-QColor tinted(const QPalette& palette, QPalette::ColorRole ground) {
-  return mixed(palette.color(ground), palette.color(ThemeRole::accent), selectedTint);
+/// The ground of what is selected.
+QColor tinted(const QPalette& palette) {
+  return mixed(palette.color(ThemeRole::background), palette.color(ThemeRole::accent), selectedTint);
 }
 
 /// The ground of a control under the pointer or the finger.
@@ -126,7 +127,7 @@ void paintButton(QPainter& painter, const QStyleOption& button, bool isDefault) 
 void paintToolButton(QPainter& painter, const QStyleOption& button) {
   const Brushwork brushwork(painter);
   if (button.state.testFlag(QStyle::State_On))
-    paintRounded(painter, button.rect, itemRadius, tinted(button.palette, ThemeRole::background));
+    paintRounded(painter, button.rect, itemRadius, tinted(button.palette));
   else if (button.state.testFlag(QStyle::State_Sunken) || isTouched(button))
     paintRounded(painter, button.rect, itemRadius,
                  button.palette.brush(groundOf(button, ThemeRole::surface)));
@@ -138,7 +139,7 @@ void paintTab(QPainter& painter, const QStyleOption& tab) {
   const Brushwork brushwork(painter);
   const QRect rect = tab.rect.adjusted(2, 0, -2, 0);
   if (tab.state.testFlag(QStyle::State_Selected))
-    paintRounded(painter, rect, fieldRadius, tinted(tab.palette, ThemeRole::background));
+    paintRounded(painter, rect, fieldRadius, tinted(tab.palette));
   else if (isTouched(tab))
     paintRounded(painter, rect, fieldRadius, tab.palette.brush(ThemeRole::hover));
   if (hasKeyboard(tab))
@@ -153,7 +154,7 @@ void paintMenuItem(QPainter& painter, const QStyleOptionMenuItem& item) {
   const bool isChosen =
       item.state.testFlag(QStyle::State_Selected) && item.state.testFlag(QStyle::State_Enabled);
   if (isChosen)
-    paintOutlined(painter, item.rect, itemRadius, tinted(palette, ThemeRole::surface),
+    paintOutlined(painter, item.rect, itemRadius, palette.brush(ThemeRole::hover),
                   palette.color(ThemeRole::focusRing));
   const QColor color = palette.color(ThemeRole::primaryText);
   QRect line = item.rect.adjusted(itemPadding, 0, -itemPadding, 0);

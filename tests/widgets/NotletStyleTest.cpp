@@ -3,9 +3,16 @@
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
 #include <QScrollBar>
+#include <QSpinBox>
+#include <QTabBar>
 #include <QTest>
+#include <QToolButton>
+#include <array>
 
 #include "themes/AppThemeCatalog.h"
 #include "widgets/ThemePalette.h"
@@ -74,6 +81,101 @@ TEST(NotletStyle, AnEmptyFieldAndABoxToTickCanBeMadeOut) {
     const QImage empty = box.grab().toImage();
     box.setChecked(true);
     EXPECT_NE(box.grab().toImage(), empty);
+  }
+}
+
+/// The strongest contrast of the area's pixels with its first one.
+static double contrastWithin(const QImage& image, const QRect& area) {
+  double strongest = 0;
+  for (int y = area.top(); y <= area.bottom(); ++y)
+    for (int x = area.left(); x <= area.right(); ++x)
+      strongest =
+          std::max(strongest, contrastRatio(image.pixelColor(x, y), image.pixelColor(area.topLeft())));
+  return strongest;
+}
+
+TEST(NotletStyle, ChevronsAreSeenAndStandWhereAClickStepsOrOpens) {
+  NotletStyle style;
+  QWidget window;
+  QSpinBox steps(&window);
+  QComboBox choices(&window);
+  choices.addItems({QStringLiteral("One"), QStringLiteral("Two")});
+  const QRect place(0, 0, 120, 32);
+  for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+    const int x = direction == Qt::LeftToRight ? 108 : 12;
+    const auto around = [x](int y) { return QRect(x - 6, y - 5, 12, 10); };
+    for (QWidget* control : {static_cast<QWidget*>(&steps), static_cast<QWidget*>(&choices)}) {
+      control->setStyle(&style);
+      control->setLayoutDirection(direction);
+      control->setGeometry(place);
+    }
+    for (const char* id : {"ink", "dracula", "paper"}) {
+      window.setPalette(themePalette(AppThemeCatalog::themeWithID(id), QPalette()));
+      EXPECT_GE(contrastWithin(steps.grab().toImage(), around(10)), 3.0) << id;
+      EXPECT_GE(contrastWithin(steps.grab().toImage(), around(23)), 2.0) << id << ": at its end, so disabled";
+      EXPECT_GE(contrastWithin(choices.grab().toImage(), around(16)), 3.0) << id;
+    }
+    steps.setValue(5);
+    QTest::mouseClick(&steps, Qt::LeftButton, {}, QPoint(x, 8));
+    EXPECT_EQ(steps.value(), 6);
+    QTest::mouseClick(&steps, Qt::LeftButton, {}, QPoint(x, 25));
+    QTest::mouseClick(&steps, Qt::LeftButton, {}, QPoint(x, 25));
+    EXPECT_EQ(steps.value(), 4);
+    steps.setValue(0);
+  }
+}
+
+TEST(NotletStyle, TextHasRoomBesideChevronsAndShortcuts) {
+  NotletStyle style;
+  QSpinBox steps;
+  steps.setStyle(&style);
+  steps.setRange(0, 5000);
+  steps.resize(steps.sizeHint());
+  const int widest = steps.fontMetrics().horizontalAdvance(QStringLiteral("5000"));
+  EXPECT_GE(steps.findChild<QLineEdit*>()->width(), widest);
+  QMenu menu;
+  menu.setStyle(&style);
+  menu.addAction(QStringLiteral("Copy"))->setShortcut(QKeySequence::Copy);
+  QAction* undo = menu.addAction(QStringLiteral("Undo the last"));
+  undo->setShortcut(QKeySequence::Undo);
+  EXPECT_GE(menu.actionGeometry(undo).width(),
+            menu.fontMetrics().horizontalAdvance(QStringLiteral("Undo the last  Ctrl+Z")));
+}
+
+TEST(NotletStyle, TheKeyboardIsSeenOnEveryControl) {
+  NotletStyle style;
+  QWidget window;
+  QPushButton button(QStringLiteral("Button"), &window);
+  QPushButton standard(QStringLiteral("Default"), &window);
+  standard.setDefault(true);
+  QToolButton tool(&window);
+  QComboBox choices(&window);
+  QSpinBox steps(&window);
+  QLineEdit line(&window);
+  QCheckBox box(QStringLiteral("Box"), &window);
+  QTabBar tabs(&window);
+  tabs.addTab(QStringLiteral("Tab"));
+  const std::array<QWidget*, 8> controls = {&button, &standard, &tool, &choices, &steps, &line, &box, &tabs};
+  window.setPalette(themePalette(AppThemeCatalog::themeWithID("dracula"), QPalette()));
+  for (QWidget* control : controls) {
+    control->setStyle(&style);
+    control->setFocusPolicy(Qt::StrongFocus);
+    control->setGeometry(10, 10, 120, 32);
+    control->hide();
+  }
+  window.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  const QColor ring = window.palette().color(ThemeRole::focusRing);
+  for (QWidget* control : controls) {
+    control->show();
+    control->setFocus(Qt::TabFocusReason);
+    const QImage image = control->grab().toImage();
+    int found = 0;
+    for (int y = 0; y < image.height(); ++y)
+      for (int x = 0; x < image.width(); ++x)
+        found += image.pixelColor(x, y) == ring ? 1 : 0;
+    EXPECT_GE(found, 100) << control->metaObject()->className();
+    control->hide();
   }
 }
 

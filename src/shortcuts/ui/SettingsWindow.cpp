@@ -3,6 +3,7 @@
 #include <QCloseEvent>
 #include <QVBoxLayout>
 
+#include "widgets/ScreenRoom.h"
 #include "widgets/TextConversion.h"
 
 namespace notlet {
@@ -18,8 +19,8 @@ SettingsWindow::SettingsWindow(AppSettings& themes, SettingsScreen& screen, Shor
                                QWidget* content)
     : m_screen(screen), m_draft(draft), m_container(new AppThemeContainer(themes, content)) {
   setWindowTitle(QStringLiteral("Notlet Settings"));
-  setMinimumSize(smallestSize);
-  resize(usualSize);
+  setMinimumSize(smallestSize.boundedTo(roomOnScreen(*this)));
+  resize(usualSize.boundedTo(roomOnScreen(*this)));
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins({});
   layout->addWidget(m_container);

@@ -1,7 +1,7 @@
 #include "themes/ui/CustomThemeEditor.h"
 
+#include <QAccessible>
 #include <QColorDialog>
-#include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QVBoxLayout>
@@ -9,6 +9,7 @@
 
 #include "widgets/FormCard.h"
 #include "widgets/Hairline.h"
+#include "widgets/ScreenRoom.h"
 #include "widgets/TextConversion.h"
 #include "widgets/TextStyle.h"
 #include "widgets/ThemePalette.h"
@@ -57,8 +58,14 @@ QLabel* makeHint() {
 }
 
 void setHint(QLabel* hint, const QString& text) {
+  if (hint->text() == text)
+    return;
   hint->setText(text);
   hint->setVisible(!text.isEmpty());
+  if (text.isEmpty())
+    return;
+  QAccessibleEvent announcement(hint, QAccessible::Alert);
+  QAccessible::updateAccessibility(&announcement);
 }
 
 QWidget* makeRow(std::initializer_list<QWidget*> controls) {
@@ -136,8 +143,7 @@ void CustomThemeEditor::layOut() {
 
 /// As high as all of the form, but no larger than the screen has room for.
 void CustomThemeEditor::fitToScreen(int wholeHeight) {
-  constexpr QSize windowFrame{16, 48};
-  const QSize room = screen()->availableSize() - windowFrame;
+  const QSize room = roomOnScreen(*this);
   setMinimumSize(smallestSize.boundedTo(room));
   resize(QSize(smallestSize.width() + margin, std::max(wholeHeight, smallestSize.height())).boundedTo(room));
 }
