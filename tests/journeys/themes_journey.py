@@ -162,7 +162,7 @@ class ThemesJourney(Journey):
         self.await_window_active(MAIN)
         self.choose_for_row("Delete")
         self.await_own()
-        self.assertEqual(self.stored_settings()["selectedThemeID"], "system")
+        await_value(lambda: self.stored_settings()["selectedThemeID"] == "system", "the system's theme")
         self.await_ground(MAIN, "000000")
         self.desktop.control("label", "No theme matches your search.")
 

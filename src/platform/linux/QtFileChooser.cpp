@@ -38,7 +38,7 @@ class FileDialog final : public QFileDialog {
     if (acceptMode() != AcceptOpen || !typed.isFile())
       return QFileDialog::accept();
     m_typed = typed.absoluteFilePath();
-    QDialog::accept();
+    done(Accepted);
   }
 
  private:
