@@ -52,6 +52,19 @@ void ThemeList::renderRows() {
     m_view->rowsReset({visible.front().row, visible.front().rect.top()}, std::nullopt);
 }
 
+void ThemeList::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  // Once the list has its size.
+  if (!std::exchange(m_wasShown, true))
+    QMetaObject::invokeMethod(this, &ThemeList::showSelected, Qt::QueuedConnection);
+}
+
+void ThemeList::showSelected() {
+  const auto row = m_rows.rowOf(m_browser.selectedThemeID());
+  if (row && !m_view->rowRect(*row) && !m_browser.state().activeThemeID)
+    m_view->scrollToCentre(*row, false);
+}
+
 void ThemeList::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
   if (event->type() == QEvent::FontChange)

@@ -10,7 +10,7 @@
 namespace notlet {
 
 /// The themes in groups. A click applies one; those of the user have a context menu, which the keyboard opens
-/// for the active row.
+/// for the active row. The theme in force is in sight when the list first comes up.
 class ThemeList : public QWidget {
   Q_OBJECT
 
@@ -29,10 +29,12 @@ class ThemeList : public QWidget {
  protected:
   void changeEvent(QEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
+  void showEvent(QShowEvent* event) override;
 
  private:
   void render();
   void renderRows();
+  void showSelected();
   void openMenu(std::size_t row, const QPoint& globalPosition);
 
   ThemeBrowser& m_browser;
@@ -42,6 +44,7 @@ class ThemeList : public QWidget {
   /// What was last shown of the browser's state.
   std::string m_shownSearch;
   std::optional<std::string> m_shownActive;
+  bool m_wasShown = false;
 };
 
 } // namespace notlet

@@ -67,6 +67,13 @@ TEST_F(ThemeSettingsViewTest, ThemesStandBelowTheirCategories) {
   EXPECT_EQ(rowText(70), QStringLiteral("Two lines, Dark, Selected"));
 }
 
+TEST_F(ThemeSettingsViewTest, TheThemeInForceIsInSightAtFirst) {
+  settings.setSelectedThemeID("synthwave");
+  show();
+  EXPECT_TRUE(QTest::qWaitFor([this] { return list().rowRect(rowOf("synthwave")).has_value(); }));
+  EXPECT_FALSE(view->browser().state().activeThemeID) << "it is shown, not walked to";
+}
+
 // The keys would go nowhere.
 TEST_F(ThemeSettingsViewTest, AKeyboardThatIsTakenFromTheFieldGoesToTheList) {
   show();
