@@ -53,6 +53,7 @@ ComposerCard::ComposerCard(CaptureComposer& composer, MicButton* mic, QAbstractB
 }
 
 void ComposerCard::prepareEditor() {
+  setAccessibleName(QStringLiteral("New notlet"));
   m_editor->setAccessibleName(QStringLiteral("Notlet text"));
   m_editor->setPlaceholderText(QStringLiteral("What’s on your mind?"));
   m_editor->setFrameShape(QFrame::NoFrame);
