@@ -69,6 +69,15 @@ class InstallTest(unittest.TestCase):
         self.assertEqual(entry["DBusActivatable"], "true")
         self.assertEqual(entry["MimeType"], "x-scheme-handler/notlet;")
 
+    def test_the_installed_program_finds_the_library_for_dictation(self):
+        library = [os.path.relpath(os.path.join(folder, name), self.path())
+                   for folder, _, names in os.walk(self.path()) for name in names if name == "notlet-dictation.so"]
+        self.assertEqual(len(library), 1, library)
+        self.assertNotEqual(os.path.dirname(library[0]), "bin", "programs only")
+        # The same search as the program's, from where the programs are installed.
+        self.must_succeed(os.path.join(BUILD, "tests", "test_platform_speech"), "--gtest_filter=*LibraryMakesEachKind",
+                          env={**os.environ, "NOTLET_INSTALLED_PROGRAMS": self.path("bin")})
+
     def test_the_software_centre_finds_everything_that_is_named(self):
         file = self.path("share", "metainfo", f"{ID}.metainfo.xml")
         self.must_succeed("appstreamcli", "validate", "--no-net", "--pedantic", file)

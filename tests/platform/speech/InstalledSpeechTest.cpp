@@ -5,8 +5,14 @@
 namespace notlet {
 namespace {
 
+/// Of the build tree, or of an installation that is to be tried.
+std::filesystem::path programDirectory() {
+  const char* installed = std::getenv("NOTLET_INSTALLED_PROGRAMS");
+  return installed == nullptr ? NOTLET_PROGRAM_DIR : installed;
+}
+
 TEST(InstalledSpeechTest, LibraryMakesEachKind) {
-  InstalledSpeech speech(Places(), InstalledSpeech::libraryOf(NOTLET_PROGRAM_DIR));
+  InstalledSpeech speech(Places(), InstalledSpeech::libraryOf(programDirectory()));
   EXPECT_TRUE(speech.makeAudioInput());
   for (const SpeechModel& model : {SpeechModel(SpeechProgram{{"/bin/true"}}), SpeechModel(VoskModel{}),
                                    SpeechModel(PocketSphinxModel{"/none", "/none", "/none"})}) {
