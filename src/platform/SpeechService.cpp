@@ -4,6 +4,13 @@
 
 namespace notlet {
 
+namespace {
+
+/// Half of what the allocator itself settles on at most.
+constexpr int usualTrimThreshold = 32 << 20;
+
+} // namespace
+
 bool SpeechService::Recognizer::isAvailable() const {
   const auto model = m_service->m_backend.modelFor(m_language);
   return !model || model->has_value();
@@ -64,9 +71,12 @@ void SpeechService::unloadLater() {
 }
 
 void SpeechService::unload() {
+  // The allocator would keep much of what the engine used for whoever asks next. Trimming afterwards is not
+  // enough: it leaves the ends of the heaps of threads alone, so these must shrink while the engine goes.
+  mallopt(M_TRIM_THRESHOLD, 0);
   m_engine.reset();
   m_loaded.reset();
-  // The allocator would keep most of what the engine used for whoever asks next.
+  mallopt(M_TRIM_THRESHOLD, usualTrimThreshold);
   malloc_trim(0);
 }
 
