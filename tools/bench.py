@@ -3,10 +3,11 @@
 
 usage: bench.py BUILD_DIRECTORY [--quick]
 
-Benchmarks of the rules and the store come from Google Benchmark. Windows are measured from outside, on an X server
-of their own: time from starting a program until its window is painted and takes typing, time from a key to the
-changed picture, memory, and wake-ups while nothing happens. Programs take turns, so that a machine whose speed
-drifts slows all of them. Nothing here fails because a figure is high.
+Benchmarks of the rules and the store come from Google Benchmark. Dictation hears a synthetic voice, at the pace at
+which people speak. Windows are measured from outside, on an X server of their own: time from starting a program until
+its window is painted and takes typing, time from a key to the changed picture, memory, and wake-ups while nothing
+happens. Programs take turns, so that a machine whose speed drifts slows all of them. Nothing here fails because a
+figure is high.
 """
 import json
 import os
@@ -56,6 +57,14 @@ def print_benchmarks(title, rows):
                  "repetition_index", "threads", "iterations", "real_time", "cpu_time", "time_unit"}
         besides = ", ".join(f"{key} {row[key]:g}" for key in row if key not in known)
         print(f"| {name} | {row['real_time']:.3g} {row['time_unit']} | {besides} |")
+
+
+def print_dictation(build):
+    print("\n### Dictation\n\n| What | Measured | Besides |\n|---|---:|---|")
+    done = subprocess.run([build / "bench" / "dictation_bench", build / "bin"], stdout=subprocess.PIPE,
+                          stderr=subprocess.DEVNULL, text=True, check=True)
+    for line in done.stdout.splitlines():
+        print("| " + " | ".join(line.split("\t")) + " |")
 
 
 class Display:
@@ -244,6 +253,7 @@ def main():
         (root / "stores").mkdir()
         print_benchmarks("The store", google_benchmark([build / "bench" / "storage_bench", root / "stores"]))
         print_benchmarks("The archive", google_benchmark([build / "bench" / "archive_bench", root / "stores"]))
+        print_dictation(build)
         windows = Windows(build, root)
         try:
             windows.print_times(3 if quick else 15)
