@@ -142,6 +142,10 @@ QColor destructiveColor(const QPalette& palette) {
   return palette.currentColorGroup() == QPalette::Disabled ? faded(readable, surface, grounds) : readable;
 }
 
+QColor loudness(const QPalette& palette) {
+  return mixed(palette.color(ThemeRole::surface), destructiveColor(palette), 0.22);
+}
+
 QColor controlOutline(const QPalette& palette) {
   const auto grounds = groundsOf(palette);
   const QColor outline = palette.color(ThemeRole::outline);

@@ -54,6 +54,9 @@ inline constexpr double disabled = 2.0;
 /// For what deletes: a red that can be read on the palette's background and surface.
 [[nodiscard]] QColor destructiveColor(const QPalette& palette);
 
+/// The disc on a surface that shows how loud it is behind a microphone in the destructive colour.
+[[nodiscard]] QColor loudness(const QPalette& palette);
+
 /// A row of a list, under the pointer.
 [[nodiscard]] QColor rowUnderPointer(const QPalette& palette);
 

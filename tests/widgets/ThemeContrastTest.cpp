@@ -71,6 +71,7 @@ std::vector<Seen> everythingSeen(const QPalette& palette) {
         touchedGround(accent, of(ThemeRole::onAccent), 0.2)},
        4.5},
       {"destructive", destructiveColor(palette), {background, surface, hover}, 4.5},
+      {"microphone that hears something", destructiveColor(palette), {loudness(palette)}, 3.0},
       {"focus ring", of(ThemeRole::focusRing), {background, surface, hover, selectedSection}, 3.0},
       {"outline of fields", controlOutline(palette), {background, surface}, 3.0},
       {"quiet focus ring", quietFocusRing(palette), {background, surface}, 3.0},

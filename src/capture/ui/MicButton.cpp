@@ -14,7 +14,6 @@ namespace {
 /// Differences that nobody sees are not worth a new picture.
 constexpr double leastStep = 0.02;
 constexpr float outlineStrength = 0.5F;
-constexpr float levelStrength = 0.28F;
 
 QColor translucent(QColor color, float strength) {
   color.setAlphaF(strength);
@@ -79,7 +78,7 @@ void MicButton::paintLevel(QPainter& painter, const QColor& color) const {
   if (m_level > 0) {
     const double least = m_symbolSide / 2.0;
     const double radius = least + (whole.width() / 2 - least) * m_level;
-    painter.setBrush(translucent(color, levelStrength));
+    painter.setBrush(loudness(palette()));
     painter.drawEllipse(whole.center(), radius, radius);
   }
   painter.setPen(QPen(translucent(color, outlineStrength), 1));
