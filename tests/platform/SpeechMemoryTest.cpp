@@ -63,11 +63,12 @@ TEST(SpeechMemoryTest, IdleEngineGivesItsMemoryBack) {
         request, [&](const SpeechResult& result) { isOver = result.isFinal; });
     request->endAudio();
     ASSERT_TRUE(QTest::qWaitFor([&] { return isOver; }));
-    EXPECT_GT(ownMemory(), before + 35) << "the engine is loaded";
+    // What others have freed, and the allocator has kept, may serve it in part.
+    const double loaded = ownMemory();
     task->cancel();
     scheduler.advance(SpeechService::idleTime);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return ownMemory() < before + 5; }))
-        << ownMemory() - before << " MB stay";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ownMemory() < std::min(loaded - 35, before + 5); }))
+        << ownMemory() << " MB of " << loaded << " stay, and were " << before;
   }
 }
 
