@@ -73,15 +73,6 @@ void waitUntil(Holds holds) {
   }
 }
 
-/// The sentence without the silence around it.
-Voice::Piece speech(const char* sentence) {
-  Voice::Piece sound = spoken(sentence);
-  const auto isLoud = [](std::int16_t frame) { return std::abs(frame) > 300; };
-  sound.erase(std::find_if(sound.rbegin(), sound.rend(), isLoud).base(), sound.end());
-  sound.erase(sound.begin(), std::ranges::find_if(sound, isLoud));
-  return sound;
-}
-
 std::vector<std::string> wordsOf(const std::string& text) {
   std::istringstream stream(text);
   return {std::istream_iterator<std::string>(stream), {}};
@@ -341,7 +332,7 @@ void measureEngine(Backend& backend, const std::vector<Voice::Piece>& sounds) {
 
 void measure(const char* programs) {
   std::vector<Voice::Piece> sounds;
-  std::ranges::transform(sentences, std::back_inserter(sounds), speech);
+  std::ranges::transform(sentences, std::back_inserter(sounds), spokenWithoutPause);
   Backend backend(programs);
   {
     Dictations dictations(backend);

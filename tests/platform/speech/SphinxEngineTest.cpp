@@ -73,6 +73,20 @@ TEST(SphinxEngineTest, SentencesAfterPausesAreKept) {
   EXPECT_EQ(engine().finish().value(), "") << "an abandoned dictation leaves nothing behind";
 }
 
+// Somebody who reads aloud makes no pause; the utterance is cut then, and its words stay.
+TEST(SphinxEngineTest, SpeechWithoutAPauseIsKeptWhereItIsCut) {
+  const auto sentence = spokenWithoutPause("remember to pay the electricity bill before friday");
+  std::vector<std::int16_t> sound;
+  std::ptrdiff_t times = 0;
+  for (; sound.size() < std::size_t{24} * AudioInput::sampleRate; ++times)
+    sound.insert(sound.end(), sentence.begin(), sentence.end());
+  ASSERT_TRUE(engine().begin());
+  say(sound);
+  const auto words = wordsOf(engine().finish().value());
+  for (const char* word : {"electricity", "friday"})
+    EXPECT_GE(std::ranges::count(words, word), times - 1) << word;
+}
+
 TEST(SphinxEngineTest, MissingModelIsAnError) {
   EXPECT_FALSE(SphinxEngine({"/nonexistent", "/nonexistent", "/nonexistent"}).load());
 }

@@ -2,6 +2,8 @@
 
 #include <QFile>
 #include <QProcess>
+#include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <stdexcept>
 #include <vector>
@@ -28,6 +30,15 @@ inline std::vector<std::int16_t> spoken(const std::string& text) {
                                    static_cast<std::size_t>(bytes.size()) / sizeof(std::int16_t));
   std::memcpy(frames.data() + silence, bytes.constData(), static_cast<std::size_t>(bytes.size()));
   return frames;
+}
+
+/// The same without any silence before and after.
+inline std::vector<std::int16_t> spokenWithoutPause(const std::string& text) {
+  std::vector<std::int16_t> sound = spoken(text);
+  const auto isLoud = [](std::int16_t frame) { return std::abs(frame) > 300; };
+  sound.erase(std::find_if(sound.rbegin(), sound.rend(), isLoud).base(), sound.end());
+  sound.erase(sound.begin(), std::ranges::find_if(sound, isLoud));
+  return sound;
 }
 
 } // namespace notlet
