@@ -64,7 +64,7 @@ void SpeechRecognizer::requestMicrophoneAuthorization(Answer answer) {
 }
 
 void SpeechRecognizer::startRecording(OnTranscript onTranscript, OnStarted onStarted) {
-  if (!isAvailable() || m_isRecording || isStarting())
+  if (!m_recognizer || !m_recognizer->isAvailable() || m_isRecording || isStarting())
     return onStarted(std::unexpected(describe(SpeechRecognizerError::unavailable)));
   m_onTranscript = std::move(onTranscript);
   m_onStarted = std::move(onStarted);

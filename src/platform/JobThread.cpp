@@ -1,5 +1,7 @@
 #include "platform/JobThread.h"
 
+#include <utility>
+
 namespace notlet {
 
 JobThread::~JobThread() {

@@ -50,11 +50,11 @@ std::shared_ptr<SpeechRecognitionTask> SpeechService::begin(const std::string& l
     previous->giveWay();
   ++m_dictations;
   const auto found = m_backend.modelFor(language);
-  const bool isFound = found && *found;
-  auto task = std::make_shared<SpeechRecognitionTask>(isFound ? **found : SpeechModel{}, std::move(request),
+  const auto model = found.value_or(std::nullopt);
+  auto task = std::make_shared<SpeechRecognitionTask>(model.value_or(SpeechModel{}), std::move(request),
                                                       std::move(handler), [this] { unloadLater(); });
   m_current = task;
-  if (isFound)
+  if (model)
     m_engineThread.run([this, task] { recognize(*task); });
   else
     task->report(

@@ -49,6 +49,8 @@ class DictationJourney(Journey):
         """Says OK to an alert that says so."""
         self.desktop.control("label", SPEECH)
         self.desktop.control("label", message)
+        button = self.desktop.control("push button", "OK")
+        await_value(lambda: self.desktop.has_state(button, "FOCUSED"), "the alert to take keys")
         self.desktop.keys("Return")
         self.await_stopped()
 

@@ -10,6 +10,7 @@
 #include <QScopedValueRollback>
 #include <QTextDocument>
 #include <QVBoxLayout>
+#include <functional>
 
 #include "widgets/Alert.h"
 #include "widgets/TextConversion.h"
@@ -184,7 +185,7 @@ void ComposerCard::openAlert(Alert* alert, void (CaptureComposer::*dismiss)()) {
   m_alertIsOpen = true;
   connect(alert, &QDialog::finished, this, [this, dismiss] {
     m_alertIsOpen = false;
-    (m_composer.*dismiss)();
+    std::invoke(dismiss, m_composer);
   });
   alert->open();
 }

@@ -11,6 +11,7 @@
 #include <csignal>
 #include <cstring>
 #include <ctime>
+#include <optional>
 
 namespace notlet {
 

@@ -26,7 +26,7 @@ InstalledSpeech::InstalledSpeech(SpeechModels models, std::filesystem::path libr
 }
 
 std::filesystem::path InstalledSpeech::libraryOf(const std::filesystem::path& programDirectory) {
-  const std::filesystem::path beside = programDirectory / NOTLET_SPEECH_LIBRARY;
+  std::filesystem::path beside = programDirectory / NOTLET_SPEECH_LIBRARY;
   if (std::error_code ignored; std::filesystem::exists(beside, ignored))
     return beside;
   return programDirectory / NOTLET_PROGRAM_TO_LIBRARIES / NOTLET_SPEECH_LIBRARY;

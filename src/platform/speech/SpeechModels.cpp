@@ -62,12 +62,13 @@ Found SpeechModels::findProgram(const std::string& language) const {
   if (!m_places.settings)
     return std::nullopt;
   const fs::path& file = *m_places.settings;
-  const auto contents = readWholeFile(file, largestSettings);
+  const auto reading = readWholeFile(file, largestSettings);
+  if (!reading)
+    return std::unexpected(reading.error());
+  const std::optional<std::string>& contents = *reading;
   if (!contents)
-    return std::unexpected(contents.error());
-  if (!*contents)
     return std::nullopt;
-  const auto json = parseJsonText(**contents, largestSettings);
+  const auto json = parseJsonText(*contents, largestSettings);
   if (!json)
     return unusable(file, json.error().message);
   try {
@@ -119,8 +120,8 @@ Found SpeechModels::findBrought(const std::string& language) const {
 std::optional<SpeechModel> SpeechModels::findInstalled(const std::string& language) const {
   if (!LanguageTag("en").covers(LanguageTag(language)))
     return std::nullopt;
-  const PocketSphinxModel model{m_places.installed / "en-us", m_places.installed / "en-us.lm.bin",
-                                m_places.installed / "cmudict-en-us.dict"};
+  PocketSphinxModel model{m_places.installed / "en-us", m_places.installed / "en-us.lm.bin",
+                          m_places.installed / "cmudict-en-us.dict"};
   const auto isThere = [](const fs::path& file) {
     std::error_code error;
     return fs::file_size(file, error) > 0 && !error;

@@ -16,7 +16,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::Each;
-using testing::ElementsAre;
 using testing::SizeIs;
 using Outcome = std::expected<void, AudioError>;
 
@@ -79,7 +78,7 @@ void speak(const PrivateSoundService& service, std::size_t frames) {
 
 TEST(PulseInputTest, HearsWhatIsSaidInPiecesOfOneSize) {
   PrivateSoundService service;
-  const QString microphone = service.plugMicrophone();
+  service.plugMicrophone();
   EXPECT_TRUE(PulseInput().probe());
   Listening listening;
   listening.waitUntilStarted();
@@ -126,14 +125,14 @@ TEST(PulseInputTest, TellsWhyThereIsNothingToHear) {
 
 TEST(PulseInputTest, MicrophoneThatGoesAwayIsLost) {
   PrivateSoundService service;
-  const QString first = service.plugMicrophone();
+  const std::string first = service.plugMicrophone();
   Listening alone;
   alone.waitUntilStarted();
   service.unplug(first);
   EXPECT_EQ(faultOf(alone.end()), AudioFault::lost) << "nothing is left";
 
   service.plugLoudspeakers();
-  const QString second = service.plugMicrophone();
+  const std::string second = service.plugMicrophone();
   Listening besideLoudspeakers;
   besideLoudspeakers.waitUntilStarted();
   service.unplug(second);
@@ -152,6 +151,8 @@ class RefusingService {
  public:
   explicit RefusingService(std::optional<int> answer)
       : m_socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    if (!m_socket.isOpen())
+      throw std::runtime_error("no socket");
     const std::string path = m_directory.path() / "native";
     sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
     path.copy(address.sun_path, sizeof address.sun_path - 1);
@@ -166,6 +167,8 @@ class RefusingService {
  private:
   void refuse(int code) const {
     const Descriptor caller(::accept(m_socket.number(), nullptr, nullptr));
+    if (!caller.isOpen())
+      return;
     // Twenty bytes of envelope, then 'L' and the command, 'L' and its number, which the answer repeats.
     std::array<unsigned char, 30> request{};
     EXPECT_EQ(::recv(caller.number(), request.data(), request.size(), MSG_WAITALL), 30);
