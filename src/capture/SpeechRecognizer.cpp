@@ -79,6 +79,7 @@ void SpeechRecognizer::startRecording(OnTranscript onTranscript, OnStarted onSta
   m_audioEngine->start({
       .started = [this] { audioStarted(); },
       .failed = [this](const Error& error) { fail(error); },
+      .ended = [this] { m_recognitionRequest->endAudio(); },
       .levelChanged = [this](double level) { Q_EMIT levelChanged(level); },
   });
   Q_EMIT recordingChanged();

@@ -168,6 +168,8 @@ void AudioEngine::Session::deliver() {
     levelChanged(*news.level);
   if (const auto failed = m_events.failed; failed && news.outcome && !*news.outcome)
     failed(describe(news.outcome->error()));
+  if (const auto ended = m_events.ended; ended && news.outcome && *news.outcome)
+    ended();
   if (const auto answer = m_answer; answer && news.outcome)
     answer(*news.outcome);
 }

@@ -20,6 +20,8 @@ class AudioEngine {
     std::function<void()> started;
     /// It did not start, or stopped by itself.
     std::function<void(const Error&)> failed;
+    /// The sound is over: everything has gone to the tap, and no more comes.
+    std::function<void()> ended{};
     /// How loud it is, 0 to 1; at most 25 times for each second of sound.
     std::function<void(double)> levelChanged;
   };

@@ -23,6 +23,7 @@ struct Composer {
   std::vector<std::string> heard;
   std::vector<std::string> outcomes;
   bool wasOnMainThread = true;
+  std::function<void()> onHeard = [] {};
 
   void start(SpeechRecognizer& recognizer) {
     recognizer.startRecording(
@@ -30,6 +31,7 @@ struct Composer {
           wasOnMainThread =
               wasOnMainThread && QThread::currentThread() == QCoreApplication::instance()->thread();
           heard.push_back(transcript);
+          onHeard();
         },
         [this](const Result<void>& outcome) {
           outcomes.push_back(outcome ? "recording" : outcome.error().message);
@@ -115,6 +117,18 @@ TEST_F(SpeechRecognizerTest, DropsWhatIsOnItsWayWhenItIsStopped) {
   startAndWait();
   sayAndWaitFor("and");
   EXPECT_EQ(backend.with([](const Script& script) { return script.loads; }), 1) << "the engine stays loaded";
+}
+
+TEST_F(SpeechRecognizerTest, SoundThatIsOverIsReadToItsEndBeforeTheRecordingStops) {
+  startAndWait();
+  bool wasRecording = false;
+  composer.onHeard = [&] { wasRecording = recognizer->isRecording(); };
+  backend.say(1);
+  backend.with([](Script& script) { script.isOver = true; });
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !recognizer->isRecording(); }));
+  EXPECT_EQ(composer.heard.back(), "and eggs please");
+  EXPECT_TRUE(wasRecording) << "the last words come first";
+  EXPECT_THAT(failures, IsEmpty());
 }
 
 TEST_F(SpeechRecognizerTest, SecondStartLeavesTheFirstAlone) {

@@ -22,6 +22,8 @@ class FakeSpeechBackend final : public SpeechBackend {
     bool holdsLoad = false;
     /// The microphone refuses to open, or goes away when it is open.
     std::optional<AudioError> fault;
+    /// There is no more sound after what was said.
+    bool isOver = false;
     /// The microphone does not answer while this is set.
     bool holdsStart = false;
 
@@ -82,9 +84,9 @@ class FakeSpeechBackend final : public SpeechBackend {
         lock.lock();
       }
       for (;;) {
-        m_backend.m_hasChanged.wait(lock,
-                                    [&] { return m_isStopped || script.fault || !script.said.empty(); });
-        if (m_isStopped || script.fault)
+        m_backend.m_hasChanged.wait(
+            lock, [&] { return m_isStopped || script.fault || script.isOver || !script.said.empty(); });
+        if (m_isStopped || script.fault || script.said.empty())
           break;
         const auto piece = std::move(script.said.front());
         script.said.pop_front();
