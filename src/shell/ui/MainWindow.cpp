@@ -4,6 +4,8 @@
 #include <QVBoxLayout>
 #include <QWindow>
 
+#include "widgets/ScreenRoom.h"
+
 namespace notlet {
 
 namespace {
@@ -14,7 +16,7 @@ constexpr QSize defaultSize{840, 600};
 
 MainWindow::MainWindow(AppSettings& settings, QWidget* content) : m_notice(new NoticeBar) {
   setWindowTitle(QStringLiteral("Notlet"));
-  resize(defaultSize);
+  resize(defaultSize.boundedTo(roomOnScreen(*this)));
   auto* framed = new QWidget;
   auto* rows = new QVBoxLayout(framed);
   rows->setContentsMargins(0, 0, 0, 0);
