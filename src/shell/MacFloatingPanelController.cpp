@@ -67,11 +67,12 @@ void MacFloatingPanelController::dragBubble(const QPointF& movement, bool ended)
   if (m_state != State::bubble)
     return;
   const FloatingGeometry screens = geometry();
-  // The window follows late, and until then says where it was.
+  // Where the pointer has brought it, not where it is shown: the window follows late, and stops at edges that
+  // the pointer passes, as at the seam of two screens.
   const QRectF moved = m_draggedFrame.value_or(m_surroundings.panel.frame()).translated(movement);
   const QRectF frame = screens.clamped(moved);
   m_surroundings.panel.setFrame(frame, false);
-  m_draggedFrame = ended ? std::nullopt : std::optional(frame);
+  m_draggedFrame = ended ? std::nullopt : std::optional(moved);
   if (ended)
     settleBubble(frame.center(), screens.screenContaining(moved));
 }

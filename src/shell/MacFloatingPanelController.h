@@ -74,7 +74,7 @@ class MacFloatingPanelController : public QObject {
   BubblePosition m_position;
   /// Also what the expanded panel is anchored at.
   QPointF m_bubbleCenter;
-  /// Where a drag of the bubble that goes on has brought it.
+  /// Where a drag of the bubble that goes on has brought it, beyond the edges too.
   std::optional<QRectF> m_draggedFrame;
   State m_state = State::off;
   /// False in floating mode while there is no screen.
