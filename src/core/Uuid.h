@@ -30,9 +30,12 @@ struct Uuid {
 template<>
 struct std::hash<notlet::Uuid> {
   std::size_t operator()(const notlet::Uuid& id) const noexcept {
-    // The bytes are random already; any eight of them spread well.
-    std::uint64_t value = 0;
-    std::memcpy(&value, id.bytes.data() + 8, sizeof value);
-    return static_cast<std::size_t>(value);
+    // Not all are random: those made of the time by other programs have whole halves in common.
+    std::uint64_t halves[2];
+    std::memcpy(halves, id.bytes.data(), sizeof halves);
+    std::uint64_t value = halves[0] ^ (halves[1] * 0x9e3779b97f4a7c15U);
+    for (const std::uint64_t factor : {0xbf58476d1ce4e5b9U, 0x94d049bb133111ebU})
+      value = (value ^ (value >> 31)) * factor;
+    return static_cast<std::size_t>(value ^ (value >> 31));
   }
 };
