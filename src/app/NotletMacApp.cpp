@@ -275,12 +275,14 @@ void NotletMacApp::showNotice() {
 }
 
 void NotletMacApp::dismissNotice() {
-  if (!m_explanation.empty())
+  if (!m_explanation.empty()) {
     m_explanation.clear();
-  else if (m_shortcutSettings.errorMessage())
+    m_windowLife.noteExplained();
+  } else if (m_shortcutSettings.errorMessage()) {
     m_shortcutSettings.setErrorMessage(std::nullopt);
-  else
+  } else {
     m_desktopLimits.noteRead();
+  }
   showNotice();
 }
 
@@ -331,19 +333,21 @@ void NotletMacApp::closeMainWindow() {
   const WaysBack waysBack = m_delegate->waysBack();
   if (!WindowLife::keepsRunning(waysBack))
     return quit();
-  if (!m_windowLife.mustExplain() || explain(waysBack))
-    m_mainWindow->hide();
+  if (m_windowLife.mustExplain())
+    explain(waysBack);
+  m_mainWindow->hide();
 }
 
-/// Tells once that the program goes on; false when the window has to stay to say so.
-bool NotletMacApp::explain(const WaysBack& waysBack) {
-  m_windowLife.noteExplained();
+/// Tells once that the program goes on: the desktop at once, or else the window when it is next open.
+void NotletMacApp::explain(const WaysBack& waysBack) {
   const std::string text = WindowLife::explanation(waysBack);
-  if (m_desktop.notifications().show(QStringLiteral("Notlet"), fromUtf8(text)))
-    return true;
-  m_explanation = text;
+  if (m_desktop.notifications().show(QStringLiteral("Notlet"), fromUtf8(text))) {
+    m_explanation.clear();
+    m_windowLife.noteExplained();
+  } else {
+    m_explanation = text;
+  }
   showNotice();
-  return false;
 }
 
 // Windows are not asked: closing one is something else than leaving.

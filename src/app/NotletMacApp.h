@@ -89,7 +89,7 @@ class NotletMacApp : public QObject {
   void configureApplicationIcon();
   void startDesktop();
   void closeMainWindow();
-  [[nodiscard]] bool explain(const WaysBack& waysBack);
+  void explain(const WaysBack& waysBack);
   void quit();
   void reportStoreFailure(const QString& reason);
   void publishFlags(const ArchiveKeyboardFlags& flags);
@@ -125,7 +125,7 @@ class NotletMacApp : public QObject {
 
   WindowLife m_windowLife;
   DesktopLimits m_desktopLimits;
-  /// Why the main window did not close, until the user has read it (UTF-8).
+  /// What became of the program when its window was closed, until the user has read it (UTF-8).
   std::string m_explanation;
   std::unique_ptr<MainWindow> m_mainWindow;
   std::unique_ptr<PopoverWindow> m_popover;

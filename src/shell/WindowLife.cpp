@@ -52,7 +52,8 @@ std::string WindowLife::explanation(const WaysBack& waysBack) {
   const std::string ending = waysBack.statusItem
                                  ? "To end it, choose “Quit Notlet” in the icon’s menu."
                                  : "To end it, start Notlet again and press Control+Q in its window.";
-  return "Notlet keeps running. To write a notlet, " + joined(waysToCapture(waysBack)) + ". " + ending;
+  return "Notlet keeps running when its window is closed. To write a notlet, " +
+         joined(waysToCapture(waysBack)) + ". " + ending;
 }
 
 } // namespace notlet

@@ -28,7 +28,7 @@ class WindowLife {
 
   /// The user has never been told that the program keeps running.
   [[nodiscard]] bool mustExplain() const;
-  /// To be called when explanation() was really shown.
+  /// To be called when explanation() was shown by the desktop, or read in the window.
   void noteExplained();
   /// How the program that keeps running is reached and ended, in whole sentences (UTF-8).
   [[nodiscard]] static std::string explanation(const WaysBack& waysBack);
