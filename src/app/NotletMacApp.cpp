@@ -130,7 +130,7 @@ void NotletMacApp::makeWindows() {
   m_focusedWidget.setMainWindow(m_mainWindow.get());
   m_shellWindows = std::make_unique<ShellWindows>(
       ShellWindows::Surroundings{*m_mainWindow, [this]() -> PopoverWindow& { return popover(); },
-                                 m_desktop.statusItem(), m_desktop.windowSystem()});
+                                 m_desktop.statusItem(), m_desktop.windowSystem(), m_desktop.screens()});
   if (isStoreOpen())
     makeFloatingPanel();
 }

@@ -2,7 +2,7 @@
 import contextlib
 
 from journey import BUBBLE, HOT_KEY, PANEL, Journey, main
-from virtual_desktop import Timeout, await_value
+from virtual_desktop import await_value
 
 SIDE = 64
 MARGIN = 8
@@ -40,12 +40,6 @@ class BubbleJourney(Journey):
     def await_collapsed(self):
         self.await_window(BUBBLE)
         self.await_gone(PANEL)
-
-    def await_frame(self, window, frame):
-        try:
-            await_value(lambda: self.server.frame(self.await_window(window)) == frame, "it", 5)
-        except Timeout:
-            self.fail(f"{window} is at {self.server.frame(self.await_window(window))}, not at {frame}")
 
     # Life
 
@@ -179,9 +173,7 @@ class BubbleJourney(Journey):
     # Screens and compositors
 
     def test_it_follows_monitors_that_come_and_go(self):
-        self.addCleanup(self.remove_monitors)
-        self.set_monitor("left", "640/170x800/210+0+0", "screen")
-        self.set_monitor("right", "640/170x800/210+640+0", "none")
+        self.split_screen()
         self.open_bubble()
         # From the main monitor to the other one.
         self.desktop.drag((640 - 56, 96), (1240, 760))
@@ -199,9 +191,7 @@ class BubbleJourney(Journey):
         self.await_frame(BUBBLE, (480 - MARGIN - SIDE, 400 - MARGIN - SIDE, SIDE, SIDE))
 
     def test_it_returns_to_the_monitor_of_the_last_run(self):
-        self.addCleanup(self.remove_monitors)
-        self.set_monitor("left", "640/170x800/210+0+0", "screen")
-        self.set_monitor("right", "640/170x800/210+640+0", "none")
+        self.split_screen()
         self.open_bubble()
         self.desktop.drag((640 - 56, 96), (960, 400))
         place = (960 - SIDE // 2, 400 - SIDE // 2, SIDE, SIDE)
@@ -220,18 +210,6 @@ class BubbleJourney(Journey):
         with contextlib.suppress(FileNotFoundError), open(self.desktop.place("state", "notlet", "defaults.json")) as file:
             return "macFloatingBubbleNormalizedY" in file.read()
         return False
-
-    def set_monitor(self, name, frame, output):
-        self.desktop.output("xrandr", "--setmonitor", name, frame, output)
-        self.assertIn(name, self.desktop.output("xrandr", "--listmonitors"))
-
-    def remove_monitors(self):
-        for name in ("left", "right", "small"):
-            self.remove_monitor(name)
-
-    def remove_monitor(self, name):
-        self.desktop.output("xrandr", "--delmonitor", name)
-        self.assertNotIn(name, self.desktop.output("xrandr", "--listmonitors"))
 
     def test_corners_follow_the_compositor(self):
         self.open_bubble()

@@ -8,7 +8,7 @@ import unittest
 
 from gi.repository import GLib
 
-from virtual_desktop import VirtualDesktop, await_value
+from virtual_desktop import Timeout, VirtualDesktop, await_value
 
 PROGRAMS = sys.argv.pop(1)
 HOT_KEY = "ctrl+super+j"
@@ -104,6 +104,30 @@ class Journey(unittest.TestCase):
         while time.monotonic() < end:
             self.assertTrue(holds())
             time.sleep(0.02)
+
+    def await_frame(self, window, frame):
+        try:
+            await_value(lambda: self.server.frame(self.await_window(window)) == frame, "it", 5)
+        except Timeout:
+            self.fail(f"{window} is at {self.server.frame(self.await_window(window))}, not at {frame}")
+
+    def split_screen(self):
+        """Two monitors, of which the left one is the main one."""
+        self.addCleanup(self.remove_monitors)
+        self.set_monitor("left", "640/170x800/210+0+0", "screen")
+        self.set_monitor("right", "640/170x800/210+640+0", "none")
+
+    def set_monitor(self, name, frame, output):
+        self.desktop.output("xrandr", "--setmonitor", name, frame, output)
+        self.assertIn(name, self.desktop.output("xrandr", "--listmonitors"))
+
+    def remove_monitors(self):
+        for name in ("left", "right", "small"):
+            self.remove_monitor(name)
+
+    def remove_monitor(self, name):
+        self.desktop.output("xrandr", "--delmonitor", name)
+        self.assertNotIn(name, self.desktop.output("xrandr", "--listmonitors"))
 
     def run_beside(self, script, *arguments):
         """Starts one of the scripts beside this file for as long as the test lasts."""

@@ -128,6 +128,22 @@ class PopoverJourney(Journey):
         self.await_cut(POPOVER, 7, False)
         self.await_text("still here", POPOVER)
 
+    def test_windows_stay_within_reach_when_a_monitor_goes(self):
+        self.split_screen()
+        self.open()
+        window = str(self.await_window("Notlet").id)
+        self.desktop.output("xdotool", "windowmove", "--sync", window, "700", "100", "mousemove", "900", "400")
+        self.close_main_window()
+        self.await_gone("Notlet")
+        self.open_popover()
+        self.await_frame(POPOVER, (1280 - 8 - 380, 8, 380, 260))
+        self.remove_monitor("right")
+        self.await_frame(POPOVER, (640 - 8 - 380, 8, 380, 260))
+        self.desktop.notlet()
+        self.await_keyboard("Notlet")
+        left, top, width, _ = self.server.frame(self.await_window("Notlet"))
+        self.assertTrue(0 <= left and left + width <= 640 and top < 200, (left, top, width))
+
     # The tray in which icons are windows
 
     def test_the_icon_in_the_tray_toggles_it(self):

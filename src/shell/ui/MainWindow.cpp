@@ -4,6 +4,7 @@
 #include <QVBoxLayout>
 #include <QWindow>
 
+#include "shell/ui/PlacementScreens.h"
 #include "widgets/ScreenRoom.h"
 
 namespace notlet {
@@ -36,9 +37,20 @@ void MainWindow::reveal() {
   // The window manager places a window anew that comes back without a wish of its own. Setting the same place
   // makes it one.
   if (!isVisible() && windowHandle())
-    windowHandle()->setGeometry(windowHandle()->geometry());
+    windowHandle()->setGeometry(geometryWithinReach());
   show();
   raise();
+}
+
+void MainWindow::keepWithinReach() {
+  // The window manager places one that fills the screen.
+  if (isVisible() && windowState() == Qt::WindowNoState && geometryWithinReach() != geometry())
+    setGeometry(geometryWithinReach());
+}
+
+QRect MainWindow::geometryWithinReach() const {
+  const QMargins margins = windowHandle()->frameMargins();
+  return frameWithinReach(windowHandle()->geometry() + margins, placementScreens()) - margins;
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

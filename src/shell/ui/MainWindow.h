@@ -17,9 +17,11 @@ class MainWindow : public QMainWindow {
   /// Takes the content as its child.
   MainWindow(AppSettings& settings, QWidget* content);
 
-  /// Shows the window in front of all others, where it was before. The keyboard is for the window system to
-  /// give.
+  /// Shows the window in front of all others, where it was before unless no screen is there any more. The
+  /// keyboard is for the window system to give.
   void reveal();
+  /// Moves the window, if it is shown, off the place of a screen that is gone.
+  void keepWithinReach();
   /// A message above the content; an empty one takes it away.
   void setNotice(const QString& text);
 
@@ -32,6 +34,8 @@ class MainWindow : public QMainWindow {
   void closeEvent(QCloseEvent* event) override;
 
  private:
+  [[nodiscard]] QRect geometryWithinReach() const;
+
   NoticeBar* m_notice;
 };
 

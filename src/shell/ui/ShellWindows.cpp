@@ -1,21 +1,32 @@
 #include "shell/ui/ShellWindows.h"
 
 #include <QCursor>
-#include <QGuiApplication>
-#include <QScreen>
-#include <vector>
 
-#include "shell/PopoverPlacement.h"
+#include "shell/ui/PlacementScreens.h"
 
 namespace notlet {
 
+ShellWindows::ShellWindows(const Surroundings& surroundings, QObject* parent)
+    : QObject(parent), m_surroundings(surroundings) {
+  connect(&m_surroundings.screens, &Screens::changed, this, &ShellWindows::followScreens);
+}
+
 void ShellWindows::showPopover(bool itemWasClicked) {
-  std::vector<PopoverScreen> screens;
-  for (const QScreen* screen : QGuiApplication::screens())
-    screens.push_back({screen->geometry(), screen->availableGeometry()});
-  const PopoverAnchor anchor{m_surroundings.statusItem.area(), QCursor::pos(), itemWasClicked};
   m_popover = &m_surroundings.popover();
-  m_popover->showAt(popoverFrame(m_popover->size(), anchor, screens).topLeft());
+  m_anchor = {m_surroundings.statusItem.area(), QCursor::pos(), itemWasClicked};
+  m_popover->showAt(popoverPlace());
+}
+
+QPoint ShellWindows::popoverPlace() const {
+  return popoverFrame(m_popover->size(), m_anchor, placementScreens()).topLeft();
+}
+
+void ShellWindows::followScreens() {
+  m_surroundings.mainWindow.keepWithinReach();
+  if (!isPopoverShown())
+    return;
+  m_anchor.statusItem = m_surroundings.statusItem.area();
+  m_popover->move(popoverPlace());
 }
 
 void ShellWindows::activatePopover() {

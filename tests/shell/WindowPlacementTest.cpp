@@ -1,4 +1,4 @@
-#include "shell/PopoverPlacement.h"
+#include "shell/WindowPlacement.h"
 
 #include <gtest/gtest.h>
 
@@ -9,13 +9,13 @@ namespace {
 
 constexpr QSize popover{380, 260};
 // A bar of 24 pixels at the top, or a panel of 32 at the bottom; and a bare screen on the right.
-constexpr PopoverScreen barAtTop{{0, 0, 1280, 800}, {0, 24, 1280, 776}};
-constexpr PopoverScreen panelAtBottom{{0, 0, 1280, 800}, {0, 0, 1280, 768}};
-constexpr PopoverScreen onTheRight{{1280, -200, 1920, 1080}, {1280, -200, 1920, 1080}};
+constexpr PlacementScreen barAtTop{{0, 0, 1280, 800}, {0, 24, 1280, 776}};
+constexpr PlacementScreen panelAtBottom{{0, 0, 1280, 800}, {0, 0, 1280, 768}};
+constexpr PlacementScreen onTheRight{{1280, -200, 1920, 1080}, {1280, -200, 1920, 1080}};
 constexpr QPoint middle{640, 400};
 
-TEST(PopoverPlacementTest, ThePopoverStandsAtItsAnchorInsideOneScreen) {
-  using Screens = std::vector<PopoverScreen>;
+TEST(WindowPlacementTest, ThePopoverStandsAtItsAnchorInsideOneScreen) {
+  using Screens = std::vector<PlacementScreen>;
   const struct {
     const char* what;
     PopoverAnchor anchor;
@@ -52,6 +52,26 @@ TEST(PopoverPlacementTest, ThePopoverStandsAtItsAnchorInsideOneScreen) {
   };
   for (const auto& [what, anchor, screens, expected] : cases)
     EXPECT_EQ(popoverFrame(popover, anchor, screens), QRect(expected, popover)) << what;
+}
+
+TEST(WindowPlacementTest, AWindowComesBackWhereItCanBeTakenHoldOf) {
+  const std::vector<PlacementScreen> screens = {barAtTop, {{1280, 0, 400, 300}, {1280, 0, 400, 300}}};
+  const struct {
+    const char* what;
+    QRect frame;
+    QRect expected;
+  } cases[] = {
+      {"where it was", {100, 100, 840, 600}, {100, 100, 840, 600}},
+      {"over two screens and the lower edge", {1000, 284, 840, 600}, {1000, 284, 840, 600}},
+      {"on a monitor that is gone", {2000, 100, 300, 200}, {1380, 100, 300, 200}},
+      {"larger than the screen that is left", {2000, 100, 840, 600}, {1280, 0, 400, 300}},
+      {"below all screens", {100, 900, 840, 600}, {100, 200, 840, 600}},
+      {"with its upper edge behind the bar", {100, 20, 840, 600}, {100, 24, 840, 600}},
+      {"with a corner too small to hold", {-745, 100, 840, 600}, {0, 100, 840, 600}},
+  };
+  for (const auto& [what, frame, expected] : cases)
+    EXPECT_EQ(frameWithinReach(frame, screens), expected) << what;
+  EXPECT_EQ(frameWithinReach({2000, 100, 840, 600}, {}), QRect(2000, 100, 840, 600));
 }
 
 } // namespace

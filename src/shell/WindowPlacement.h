@@ -9,7 +9,7 @@
 namespace notlet {
 
 /// One screen in Qt's coordinates (y downward).
-struct PopoverScreen {
+struct PlacementScreen {
   QRect frame;
   /// The frame without panels and docks.
   QRect available;
@@ -28,6 +28,10 @@ struct PopoverAnchor {
 /// there is no room below; else at the pointer that clicked it; else in the upper right corner of the screen
 /// with the pointer. It keeps to the available area of one screen.
 [[nodiscard]] QRect popoverFrame(const QSize& size, const PopoverAnchor& anchor,
-                                 std::span<const PopoverScreen> screens);
+                                 std::span<const PlacementScreen> screens);
+
+/// Where a window comes back or stays, in Qt's coordinates with its frame: where it was, or, when too little
+/// of its upper edge to take hold of is on any screen, wholly on the nearest one and no larger than that.
+[[nodiscard]] QRect frameWithinReach(const QRect& frame, std::span<const PlacementScreen> screens);
 
 } // namespace notlet
