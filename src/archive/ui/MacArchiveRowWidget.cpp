@@ -142,13 +142,14 @@ void MacArchiveRowWidget::showEditor(const Editing& editing) {
     m_editor->edit().setExactText(fromUtf8(editing.draft));
     m_editor->edit().updateGeometry();
   }
+  // What was typed before belongs to another notlet, or to an edit that is over.
+  if (!m_isEditing)
+    m_editor->edit().document()->clearUndoRedoStacks();
   m_suggestions->setSuggestions(editing.suggestions);
   m_suggestions->setVisible(!editing.suggestions.empty());
   m_notice->setText(breakable(fromUtf8(editing.notice), m_notice->fontMetrics(), width() / 2));
   m_notice->setVisible(!editing.notice.empty());
   m_restore->hide();
-  if (!m_isEditing)
-    focusEditorNextTurn();
   setEditing(true);
 }
 
@@ -165,7 +166,6 @@ void MacArchiveRowWidget::setEditing(bool editing) {
   m_notice->hide();
 }
 
-/// The editor can take the keyboard only once it is on the screen.
 void MacArchiveRowWidget::focusEditorNextTurn() {
   QMetaObject::invokeMethod(
       this,

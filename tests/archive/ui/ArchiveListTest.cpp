@@ -236,6 +236,26 @@ TEST_F(ArchiveListTest, AnUnsavedEditIsOfferedAndComesBack) {
   EXPECT_TRUE(editor()->hasFocus());
 }
 
+TEST_F(ArchiveListTest, UndoBringsBackNoTextOfAnotherNotletOrOfAnEarlierEdit) {
+  show({"first", "second"});
+  const auto undoAll = [this] {
+    for (int step = 0; step < 5; ++step)
+      QTest::keyClick(editor(), Qt::Key_Z, Qt::ControlModifier);
+  };
+  browser->beginEditing(ids[0]);
+  settle();
+  QTest::keyClicks(editor(), QStringLiteral(" more"));
+  browser->beginEditing(ids[1]);
+  settle();
+  undoAll();
+  EXPECT_EQ(state().editDraft, "second");
+  browser->restoreUnsavedEdit(ids[0]);
+  settle();
+  QTest::keyClicks(editor(), QStringLiteral("!"));
+  undoAll();
+  EXPECT_EQ(state().editDraft, "first more");
+}
+
 // The editor, its undo history and its caret must not be lost because something else happened in the archive.
 TEST_F(ArchiveListTest, AnOpenEditorSurvivesEveryChangeAroundIt) {
   std::vector<std::string> texts;
