@@ -168,6 +168,7 @@ void ArchiveBrowser::chooseHashtag(const std::string& tag) {
     return;
   update([&](State& state) {
     state.keyboardSection = Section::hashtags;
+    state.searchFocused = false;
     state.activeHashtagIndex = static_cast<int>(found - tags.begin());
   });
   toggleTag(tag);

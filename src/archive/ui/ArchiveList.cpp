@@ -1,7 +1,7 @@
 #include "archive/ui/ArchiveList.h"
 
 #include <QApplication>
-#include <QEvent>
+#include <QFocusEvent>
 #include <QVBoxLayout>
 
 #include "archive/ui/MacArchiveRowWidget.h"
@@ -15,6 +15,7 @@ ArchiveList::ArchiveList(ArchiveBrowser& browser, QWidget* parent)
   layout->addWidget(m_view);
   setFocusProxy(m_view);
   m_view->setAccessibleName(QStringLiteral("Notlets"));
+  m_view->installEventFilter(this);
   connect(&m_browser, &ArchiveBrowser::changed, this, &ArchiveList::render);
   connect(&m_browser, &ArchiveBrowser::resultsChanged, this, &ArchiveList::follow);
   connect(m_view, &VirtualListView::rowClicked, this,
@@ -84,6 +85,7 @@ void ArchiveList::render() {
     m_activeID.reset();
   }
   m_shownSelection = selected;
+  m_shownEdit = m_browser.state().editingID;
 }
 
 void ArchiveList::renderActiveRow(std::size_t row, const NotletEntry& notlet) {
@@ -105,8 +107,12 @@ void ArchiveList::renderActiveRow(std::size_t row, const NotletEntry& notlet) {
     m_view->setRowWidget(row, m_activeRow);
   if (isNew)
     m_activeRow->orderAfter(m_view);
-  if (opens)
-    m_view->scrollIntoView(row, QRect(QPoint(), m_activeRow->size()));
+  if (!opens)
+    return;
+  m_view->scrollIntoView(row, QRect(QPoint(), m_activeRow->size()));
+  // An editor that only comes back, because a filter admits its notlet again, takes it from no other field.
+  if (m_shownEdit != notlet.id || m_view->hasFocus())
+    m_activeRow->focusEditorNextTurn();
 }
 
 void ArchiveList::renderContent(const NotletEntry& notlet) {
@@ -127,6 +133,8 @@ MacArchiveRowWidget* ArchiveList::makeActiveRow() {
         (m_browser.*action)(Uuid(*m_activeID));
     };
   };
+  for (QWidget* control : row->findChildren<QWidget*>())
+    control->installEventFilter(this);
   connect(row, &MacArchiveRowWidget::clicked, this, onNotlet(&ArchiveBrowser::select));
   connect(row, &MacArchiveRowWidget::editRequested, this, onNotlet(&ArchiveBrowser::beginEditing));
   connect(row, &MacArchiveRowWidget::deleteRequested, this, onNotlet(&ArchiveBrowser::requestDeletion));
@@ -144,6 +152,15 @@ MacArchiveRowWidget* ArchiveList::makeActiveRow() {
       m_view->scrollIntoView(*widgetRow, part);
   });
   return row;
+}
+
+bool ArchiveList::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::FocusIn) {
+    const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+    if (reason == Qt::MouseFocusReason || reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason)
+      Q_EMIT entered();
+  }
+  return QWidget::eventFilter(watched, event);
 }
 
 void ArchiveList::takeKeyboardFromRow() {

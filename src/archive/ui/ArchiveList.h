@@ -22,6 +22,12 @@ class ArchiveList : public QWidget {
 
   [[nodiscard]] VirtualListView& view() const { return *m_view; }
 
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ Q_SIGNALS:
+  /// The user has moved the keyboard to the list or into its active row, by a click or by Tab.
+  void entered();
+
  protected:
   void resizeEvent(QResizeEvent* event) override;
   void changeEvent(QEvent* event) override;
@@ -44,6 +50,8 @@ class ArchiveList : public QWidget {
   std::optional<Uuid> m_activeID;
   /// The selection that was last scrolled to.
   std::optional<Uuid> m_shownSelection;
+  /// The edit whose editor has been given the keyboard.
+  std::optional<Uuid> m_shownEdit;
 };
 
 } // namespace notlet

@@ -42,9 +42,10 @@ class MacArchiveRowWidget : public QWidget {
   static constexpr std::size_t mostShownBytes = 100'000;
   static constexpr std::size_t mostShownLines = 5'000;
   void showText(bool offersRestore);
-  /// The editor takes the keyboard one turn after it has opened.
   void showEditor(const Editing& editing);
   void focusEditor();
+  /// An editor that opens can take the keyboard only once it is on the screen.
+  void focusEditorNextTurn();
   [[nodiscard]] bool isEditing() const { return m_isEditing; }
   /// The height of the list around: no part of the row that scrolls inside gets higher.
   void setPageHeight(int height);
@@ -74,7 +75,6 @@ class MacArchiveRowWidget : public QWidget {
   void layOut();
   void connectHandlers();
   void setEditing(bool editing);
-  void focusEditorNextTurn();
   void reportCaret(const FittingTextEdit* edit);
 
   FittingTextEdit* m_text;

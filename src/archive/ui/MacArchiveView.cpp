@@ -1,6 +1,5 @@
 #include "archive/ui/MacArchiveView.h"
 
-#include <QFocusEvent>
 #include <QLineEdit>
 #include <QVBoxLayout>
 
@@ -79,8 +78,11 @@ void MacArchiveView::connectHandlers() {
           [this](const QString& text) { m_browser.setSearchText(toUtf8(text)); });
   connect(m_search, &SearchField::focusChanged, &m_browser, &ArchiveBrowser::setSearchFocused);
   connect(m_hashtags, &ArchiveHashtagBar::chosen, &m_browser, &ArchiveBrowser::chooseHashtag);
-  connect(m_hashtags, &ArchiveHashtagBar::entered, &m_browser, &ArchiveBrowser::enterHashtags);
-  m_list->view().installEventFilter(this);
+  connect(m_hashtags, &ArchiveHashtagBar::entered, this, [this] {
+    m_browser.enterHashtags();
+    renderHashtags();
+  });
+  connect(m_list, &ArchiveList::entered, &m_browser, &ArchiveBrowser::enterResults);
   connect(m_banner, &ArchiveBanner::saveRequested, &m_browser, &ArchiveBrowser::saveOrphanedEdit);
   connect(m_banner, &ArchiveBanner::discardRequested, this, &MacArchiveView::askToDiscard);
 }
@@ -97,7 +99,9 @@ void MacArchiveView::render() {
 
 void MacArchiveView::renderHashtags() {
   const auto& state = m_browser.state();
-  const bool isWalked = state.keyboardSection == MacArchiveKeyboardSection::hashtags;
+  // An editor keeps the keyboard when a chip is clicked.
+  const bool isWalked = state.keyboardSection == MacArchiveKeyboardSection::hashtags &&
+                        (!state.editingID || m_hashtags->hasFocus());
   m_hashtags->setTags(m_browser.visibleHashtags());
   m_hashtags->setSelectedTags(state.selectedTags);
   m_hashtags->setPointer(state.activeHashtagIndex, isWalked);
@@ -146,15 +150,6 @@ void MacArchiveView::renderFocus() {
   if (isMovable && state.keyboardSection != MacArchiveKeyboardSection::search &&
       !keyboardWidget()->hasFocus())
     keyboardWidget()->setFocus(Qt::OtherFocusReason);
-}
-
-bool MacArchiveView::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::FocusIn) {
-    const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-    if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason)
-      m_browser.enterResults();
-  }
-  return QWidget::eventFilter(watched, event);
 }
 
 void MacArchiveView::renderDeleteConfirmation() {

@@ -28,8 +28,6 @@ class MacArchiveView : public QWidget {
 
   [[nodiscard]] QSize minimumSizeHint() const override { return {0, 0}; }
 
-  bool eventFilter(QObject* watched, QEvent* event) override;
-
  protected:
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;

@@ -73,6 +73,11 @@ class MacArchiveViewTest : public ArchiveFixture {
   [[nodiscard]] bool isSeen(const std::function<bool()>& condition) const {
     return QTest::qWaitFor(condition, 5'000);
   }
+  void openEditor(std::size_t position) {
+    browser->beginEditing(context->at(position).id);
+    ASSERT_TRUE(
+        isSeen([&] { return qobject_cast<QPlainTextEdit*>(QApplication::focusWidget()) != nullptr; }));
+  }
   [[nodiscard]] QStringList chipsInSight() const {
     std::vector<const QWidget*> chips;
     for (const auto* one : bar->findChildren<QAbstractButton*>()) {
@@ -159,19 +164,53 @@ TEST_F(MacArchiveViewTest, TheKeyboardIsWhereTheStateSaysAndTabMovesBoth) {
   EXPECT_TRUE(flags.hashtagNavigationActive);
 }
 
-// A click on a chip is no reason to take the keyboard from a text.
-TEST_F(MacArchiveViewTest, ATextKeepsTheKeyboardWhenAChipIsClicked) {
+TEST_F(MacArchiveViewTest, AClickTakesTheKeyboardFromTheSearch) {
   fill({"a #work", "b #home"});
   ASSERT_TRUE(isSeen([&] { return chip(QStringLiteral("work")) != nullptr; }));
+  auto& list = view->findChild<ArchiveList*>()->view();
+  const auto clickBlankSpace = [&] {
+    const QRect space = list.viewport()->rect();
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, {space.center().x(), space.bottom() - 5});
+  };
   field->setFocus();
   QTest::mouseClick(chip(QStringLiteral("work")), Qt::LeftButton);
-  EXPECT_TRUE(field->hasFocus());
-  browser->select(context->at(0).id);
-  browser->beginEditing(context->at(0).id);
-  ASSERT_TRUE(isSeen([&] { return qobject_cast<QPlainTextEdit*>(QApplication::focusWidget()) != nullptr; }));
+  EXPECT_TRUE(bar->hasFocus());
+  EXPECT_TRUE(flags.hashtagNavigationActive);
+  EXPECT_FALSE(flags.searchFieldActive);
+  clickBlankSpace();
+  EXPECT_TRUE(list.hasFocus());
+  EXPECT_FALSE(flags.hashtagNavigationActive);
+  field->setFocus();
+  clickBlankSpace();
+  EXPECT_TRUE(list.hasFocus());
+  center.post(CommandName::selectNextMacNotlet);
+  EXPECT_EQ(state().selectedID, context->at(0).id);
+
+  bar->setFocus(Qt::TabFocusReason);
+  QTest::mouseClick(button(QStringLiteral("Edit")), Qt::LeftButton);
+  EXPECT_FALSE(flags.hashtagNavigationActive);
+}
+
+// A click on a chip is no reason to take the keyboard from a notlet that is being edited.
+TEST_F(MacArchiveViewTest, AnEditorKeepsTheKeyboardWhenAChipIsClicked) {
+  fill({"a #work", "b #home"});
+  ASSERT_TRUE(isSeen([&] { return chip(QStringLiteral("work")) != nullptr; }));
+  openEditor(0);
   QTest::mouseClick(chip(QStringLiteral("work")), Qt::LeftButton);
+  EXPECT_EQ(bar->accessibleName(), QStringLiteral("Hashtag filters")) << "and points at none";
   QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("!"));
   EXPECT_NE(state().editDraft.find('!'), std::string::npos);
+}
+
+TEST_F(MacArchiveViewTest, AnEditorThatComesBackWithItsRowLeavesTheKeyboardInTheSearch) {
+  fill({"a", "b"});
+  openEditor(0);
+  QTest::mouseClick(field, Qt::LeftButton);
+  for (const char* typed : {"z", ""}) {
+    field->setText(QString::fromUtf8(typed));
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(field->hasFocus()) << typed;
+  }
 }
 
 TEST_F(MacArchiveViewTest, AnotherWindowTakesTheKeysForAWhileOnly) {
