@@ -73,7 +73,7 @@ void CaptureComposer::restoreDraft() {
   auto draft = m_surroundings.draftKeeper.restore();
   if (draft)
     return setInput(std::move(*draft));
-  update([&](State& state) { state.draftWarning = draft.error().message; });
+  update([&](State& state) { state.draftNotice = draft.error().message; });
 }
 
 void CaptureComposer::setInput(std::string input) {
@@ -133,6 +133,13 @@ void CaptureComposer::dismissSaveError() {
   update([](State& state) {
     state.saveError.reset();
     state.saveFailureReason.clear();
+  });
+}
+
+void CaptureComposer::dismissDraftNotice() {
+  update([](State& state) {
+    state.draftNotice.clear();
+    state.inputFocused = true;
   });
 }
 

@@ -42,6 +42,8 @@ class CaptureComposer : public QObject {
     std::string saveFailureReason;
     /// Why the draft is not safe on disk at the moment; empty when it is.
     std::string draftWarning;
+    /// What became of an earlier draft, until the user dismisses it; mostly empty.
+    std::string draftNotice;
 
     /// Whether there is anything to save.
     [[nodiscard]] bool canSave() const;
@@ -92,6 +94,8 @@ class CaptureComposer : public QObject {
   void save();
   void acceptSuggestion(const std::string& tag);
   void dismissSaveError();
+  /// Whoever has read it goes on writing.
+  void dismissDraftNotice();
 
   /// Starts dictation, or stops it. What is said goes to the end of the draft.
   void handleMicTap();

@@ -67,9 +67,11 @@ void CaptureComposer::stopDictation() {
   update([](State& state) { state.dictation = Dictation::off; });
 }
 
+// Who cannot dictate writes.
 void CaptureComposer::failDictation(const std::string& message) {
   update([&message](State& state) {
     state.dictation = Dictation::off;
+    state.inputFocused = true;
     state.speechError = message;
   });
 }

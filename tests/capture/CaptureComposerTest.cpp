@@ -156,6 +156,17 @@ TEST_F(CaptureComposerTest, RedrawsWhenTheStoredNotletsChange) {
   EXPECT_EQ(composer.suggestions(), std::vector<std::string>{"new"});
 }
 
+TEST_F(CaptureComposerTest, ANoticeOfADraftSetAsideOutlastsTheNextWrites) {
+  setAsideADraft();
+  CaptureComposer other({context, center, clock, scheduler, drafts});
+  other.appear();
+  Q_EMIT drafts.reported("");
+  EXPECT_NE(other.state().draftNotice, "");
+  EXPECT_EQ(other.state().draftWarning, "") << "what is typed now is safe";
+  other.dismissDraftNotice();
+  EXPECT_EQ(other.state().draftNotice, "");
+}
+
 TEST_F(CaptureComposerTest, BringsTheDraftBackAfterACrashAndForgetsItOnceSaved) {
   composer.setInput("half a sen");
   drafts.flush();

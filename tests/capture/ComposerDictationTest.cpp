@@ -162,6 +162,7 @@ TEST_F(ComposerDictationTest, SaysWhyItDoesNotListen) {
   const auto failure = [this] {
     EXPECT_TRUE(QTest::qWaitFor([&] { return speaking.state().speechError.has_value(); }));
     EXPECT_EQ(speaking.state().dictation, Dictation::off);
+    EXPECT_TRUE(speaking.state().inputFocused) << "what is said next is typed";
     const std::string message = speaking.state().speechError.value_or("");
     speaking.dismissSpeechError();
     EXPECT_EQ(speaking.state().speechError, std::nullopt);

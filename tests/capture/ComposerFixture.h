@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -33,6 +34,11 @@ class ComposerFixture : public testing::Test {
     for (std::size_t index = 0; index < context.size(); ++index)
       texts.push_back(context.at(index).content);
     return texts;
+  }
+  /// Leaves a draft that the next composer cannot read.
+  void setAsideADraft() const {
+    std::filesystem::create_directories(directory.path() / "drafts");
+    std::ofstream(directory.path() / "drafts" / "main-window.txt") << '\xFF';
   }
   /// Takes the store away, as a failing disk would.
   void breakStore() const { std::filesystem::rename(store, away); }

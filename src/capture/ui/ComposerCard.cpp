@@ -13,6 +13,7 @@
 #include <functional>
 
 #include "widgets/Alert.h"
+#include "widgets/IconButton.h"
 #include "widgets/TextConversion.h"
 #include "widgets/TextStyle.h"
 #include "widgets/ThemePalette.h"
@@ -45,6 +46,7 @@ ComposerCard::ComposerCard(CaptureComposer& composer, MicButton* mic, QAbstractB
       m_suggestions(new MacHashtagSuggestionsView(
           {}, [this](const std::string& tag) { m_composer.acceptSuggestion(tag); })),
       m_hint(new QLabel(hintText)),
+      m_dismiss(new IconButton(Symbol::xmarkCircleFill, QStringLiteral("Dismiss message"))),
       m_mic(mic),
       m_save(save) {
   prepareEditor();
@@ -85,11 +87,14 @@ QWidget* ComposerCard::makeFooter() {
   m_hint->setForegroundRole(ThemeRole::secondaryText);
   m_hint->setWordWrap(true);
   m_hint->setTextFormat(Qt::PlainText);
+  m_dismiss->setSides(14, 22);
+  m_dismiss->setShape(IconButton::Shape::round);
   auto* footer = new QWidget;
   auto* row = new QHBoxLayout(footer);
   row->setContentsMargins(8, 0, 2, 0);
   row->setSpacing(8);
   row->addWidget(m_hint, 1);
+  row->addWidget(m_dismiss);
   row->addWidget(m_mic);
   row->addWidget(m_save);
   return footer;
@@ -102,6 +107,7 @@ void ComposerCard::connectHandlers() {
   connect(m_mic, &QAbstractButton::clicked, &m_composer, &CaptureComposer::handleMicTap);
   connect(&m_composer, &CaptureComposer::inputLevelChanged, m_mic, &MicButton::setLevel);
   connect(m_save, &QAbstractButton::clicked, &m_composer, &CaptureComposer::save);
+  connect(m_dismiss, &QAbstractButton::clicked, &m_composer, &CaptureComposer::dismissDraftNotice);
   connect(m_suggestions, &MacHashtagSuggestionsView::dismissed, this,
           [this] { m_composer.setInputFocused(true); });
   // On the button, so that it is in force just as long as the button is.
@@ -116,6 +122,8 @@ void ComposerCard::takeInput() {
 
 void ComposerCard::render() {
   renderInput();
+  if (!m_composer.state().canSave())
+    keepKeyboardFrom(m_save);
   m_save->setEnabled(m_composer.state().canSave());
   const auto suggestions = m_composer.suggestions();
   m_suggestions->setSuggestions(suggestions);
@@ -140,20 +148,35 @@ void ComposerCard::renderInput() {
   m_holdsDictated = isDictated;
 }
 
-// A warning takes the place of the hint: whoever reads it knows how to save by now.
+// A warning takes the place of the hint: whoever reads it knows how to save by now. What is true at the
+// moment comes before what can be read later.
 void ComposerCard::renderHint() {
-  const auto& warning = m_composer.state().draftWarning;
-  const QString text = warning.empty() ? hintText : fromUtf8(warning);
+  const std::string& warning = m_composer.state().draftWarning;
+  const std::string& notice = m_composer.state().draftNotice;
+  const std::string& told = warning.empty() ? notice : warning;
+  const QString text = told.empty() ? hintText : fromUtf8(told);
   m_hint->setText(breakable(text, m_hint->fontMetrics(), narrowestHint));
+  const bool isDismissible = warning.empty() && !notice.empty();
+  if (!isDismissible)
+    keepKeyboardFrom(m_dismiss);
+  m_dismiss->setVisible(isDismissible);
 }
 
-void ComposerCard::renderFocus() {
-  if (!isVisible() || m_composer.state().inputFocused == (window()->focusWidget() == m_editor))
-    return;
-  if (m_composer.state().inputFocused)
+/// A button that goes, or turns grey, would hand the keyboard on to the next one.
+void ComposerCard::keepKeyboardFrom(const QWidget* button) {
+  if (window()->focusWidget() == button)
     m_editor->setFocus(Qt::OtherFocusReason);
-  else
-    m_editor->clearFocus();
+}
+
+// A window of which nobody has the keyboard gives it to its first button as soon as it is active again.
+void ComposerCard::renderFocus() {
+  const QWidget* focused = window()->focusWidget();
+  if (!isVisible())
+    return;
+  if (!m_composer.state().inputFocused && (focused == nullptr || focused == m_editor))
+    setFocus(Qt::OtherFocusReason);
+  else if (m_composer.state().inputFocused && focused != m_editor)
+    m_editor->setFocus(Qt::OtherFocusReason);
 }
 
 // Whoever speaks has the hands free: the keys of the card do for the rest.
@@ -163,8 +186,7 @@ void ComposerCard::renderDictation() {
     return;
   m_mic->setDictation(dictation);
   m_holdsDictated = false;
-  const QWidget* focused = window()->focusWidget();
-  if (dictation == CaptureComposer::Dictation::recording && (focused == nullptr || focused == m_mic))
+  if (dictation == CaptureComposer::Dictation::recording && window()->focusWidget() == m_mic)
     setFocus(Qt::OtherFocusReason);
 }
 

@@ -12,13 +12,14 @@
 namespace notlet {
 
 class Alert;
+class IconButton;
 
 /// The raised field in which a notlet is written, the same on every surface: editor, hashtag suggestions, and
 /// a footer with a hint, the microphone and the save button. What fails is told in an alert over its window.
 ///
-/// The card shows when the editor has the focus, and a click on its empty parts goes to the editor. While
-/// somebody dictates the card itself has the keyboard: Return saves, Escape stops, and whoever types instead
-/// is back in the editor.
+/// The card shows when the editor has the focus, and a click on its empty parts goes to the editor. When the
+/// editor gives the keyboard up, as it does while somebody dictates, the card itself has it: Return saves,
+/// Escape stops a dictation, and whoever types is back in the editor.
 class ComposerCard : public QWidget {
   Q_OBJECT
 
@@ -47,6 +48,7 @@ class ComposerCard : public QWidget {
   void renderDictation();
   void renderFocus();
   void renderHint();
+  void keepKeyboardFrom(const QWidget* button);
   void renderAlerts();
   void openAlert(Alert* alert, void (CaptureComposer::*dismiss)());
   [[nodiscard]] bool useKey(const QKeyEvent& event);
@@ -57,6 +59,7 @@ class ComposerCard : public QWidget {
   ExactTextEdit* m_editor;
   MacHashtagSuggestionsView* m_suggestions;
   QLabel* m_hint;
+  IconButton* m_dismiss;
   MicButton* m_mic;
   QAbstractButton* m_save;
   /// The revision of the composer's input that the editor holds.

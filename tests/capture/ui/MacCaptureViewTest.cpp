@@ -46,7 +46,16 @@ class MacCaptureViewTest : public ComposerFixture {
         return candidate;
     return nullptr;
   }
-  void type(const QString& text) { QTest::keyClicks(QApplication::focusWidget(), text); }
+  /// Whether a label shows this, which may be broken anywhere.
+  [[nodiscard]] bool shows(const QString& text) const {
+    return std::ranges::any_of(view->findChildren<QLabel*>(), [&](const QLabel* candidate) {
+      return candidate->text().remove(QChar(0x200B)) == text;
+    });
+  }
+  void type(const QString& text) {
+    for (const QChar character : text)
+      QTest::keyClick(QApplication::focusWidget(), character.toLatin1());
+  }
   [[nodiscard]] QRect placeOf(const QWidget* widget) const {
     return {widget->mapTo(view.get(), QPoint()), widget->size()};
   }
@@ -160,31 +169,49 @@ TEST_F(MacCaptureViewTest, TheKeyboardWalksFromTheTextThroughTheStripToTheButton
   EXPECT_TRUE(editor->hasFocus());
 }
 
-TEST_F(MacCaptureViewTest, StopCommandTakesTheFocusAndTheNextShowingGivesItBack) {
-  center.post(CommandName::stopMacFloatingCapture);
-  EXPECT_FALSE(editor->hasFocus());
-  view->hide();
-  QWidget elsewhere;
-  elsewhere.show();
-  elsewhere.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&elsewhere));
-  view->show();
-  view->activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(view.get()));
-  EXPECT_TRUE(editor->hasFocus());
+// Its spaces would press the button that is next in the window.
+TEST_F(MacCaptureViewTest, WhatIsTypedAfterTheEditorLostTheKeyboardIsTypedIntoIt) {
+  const std::function<void()> losses[] = {
+      [this] { editor->clearFocus(); }, // As Escape does.
+      [this] { center.post(CommandName::stopMacFloatingCapture); },
+      [this] {
+        button(QStringLiteral("Notlet"))->setFocus();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+      },
+  };
+  for (const auto& lose : losses) {
+    editor->setFocus();
+    type(QStringLiteral("precious"));
+    lose();
+    QWidget elsewhere;
+    elsewhere.show();
+    elsewhere.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&elsewhere));
+    view->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(view.get()));
+    ASSERT_NE(QApplication::focusWidget(), nullptr);
+    type(QStringLiteral(" words"));
+    EXPECT_TRUE(editor->exactText().endsWith(QStringLiteral(" words")));
+    editor->clear();
+  }
+  EXPECT_EQ(contents(), std::vector<std::string>{"precious"});
+  EXPECT_EQ(closings, 0);
 }
 
-TEST_F(MacCaptureViewTest, AFailedSaveIsToldAndTheDraftStays) {
-  breakStore();
-  type(QStringLiteral("precious"));
-  QTest::keyClick(editor, Qt::Key_Return);
-  const auto alerts = view->findChildren<QDialog*>();
-  ASSERT_EQ(alerts.size(), 1);
-  EXPECT_EQ(editor->exactText(), QStringLiteral("precious"));
-  alerts[0]->accept();
-  mendStore();
-  QTest::keyClick(editor, Qt::Key_Return);
-  EXPECT_EQ(contents(), std::vector<std::string>{"precious"});
+TEST_F(MacCaptureViewTest, ANoticeStaysBehindAWarningUntilItIsDismissed) {
+  setAsideADraft();
+  CaptureComposer told({context, center, clock, scheduler, drafts});
+  view = std::make_unique<MacCaptureView>(told, MacCaptureView::Host{});
+  view->show();
+  const QString notice = QString::fromStdString(told.state().draftNotice);
+  EXPECT_TRUE(shows(notice));
+  Q_EMIT drafts.reported("No space left on device.");
+  EXPECT_FALSE(shows(notice));
+  EXPECT_EQ(button(QStringLiteral("Dismiss message")), nullptr) << "it is true";
+  Q_EMIT drafts.reported("");
+  EXPECT_TRUE(shows(notice));
+  button(QStringLiteral("Dismiss message"))->click();
+  EXPECT_FALSE(shows(notice));
 }
 
 } // namespace notlet
