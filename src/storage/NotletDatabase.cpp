@@ -148,17 +148,22 @@ StoreResult<std::unique_ptr<NotletDatabase>> NotletDatabase::open(const std::fil
     return std::unexpected(
         StoreError(Kind::Missing, "The notlet store “" + file.string() + "” does not exist yet."));
 
-  const int flags = access == Access::ReadWrite ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY;
-  StoreResult<SqliteConnection> connection = SqliteConnection::open(file, flags);
+  // For reading, too: a save that was cut short has to be undone before its neighbours can be read. What may
+  // not be written is opened read-only by itself.
+  StoreResult<SqliteConnection> connection = SqliteConnection::open(file, SQLITE_OPEN_READWRITE);
   if (!connection)
     return std::unexpected(connection.error());
   if (StoreResult<void> header = checkStoreHeader(*connection); !header)
     return std::unexpected(header.error());
   std::unique_ptr<NotletDatabase> database(new NotletDatabase(std::move(*connection), access));
   for (const auto check : {&NotletDatabase::prepareConnection, &NotletDatabase::checkSchema,
-                           &NotletDatabase::checkSize, &NotletDatabase::checkPages}) {
+                           &NotletDatabase::checkSize, &NotletDatabase::checkContents}) {
     if (StoreResult<void> passed = (database.get()->*check)(); !passed)
       return std::unexpected(passed.error());
+  }
+  if (access == Access::ReadOnly) {
+    if (StoreResult<void> closed = database->m_connection.execute("PRAGMA query_only=ON"); !closed)
+      return std::unexpected(closed.error());
   }
   return database;
 }
@@ -218,19 +223,45 @@ StoreResult<void> NotletDatabase::checkSize() {
   return {};
 }
 
-StoreResult<void> NotletDatabase::checkPages() {
+StoreResult<void> NotletDatabase::checkContents() {
   if (const StoreResult<std::int64_t> size = storeFileSize(m_connection); !size || *size > fullyCheckedSize)
     return {};
-  StoreResult<SqliteStatement> statement = SqliteStatement::prepare(m_connection, "PRAGMA quick_check(1)");
+  const StoreResult<std::string> complaint = complaintOf("PRAGMA integrity_check(1)");
+  if (!complaint)
+    return std::unexpected(complaint.error());
+  return complaint->empty() ? StoreResult<void>() : mendIndexes(*complaint);
+}
+
+/// A notlet that an index leaves out is missing in the lists, but it is still in the table.
+StoreResult<void> NotletDatabase::mendIndexes(const std::string& complaint) {
+  const std::unexpected damaged(m_connection.error(Kind::Damaged, "is damaged: " + complaint));
+  const StoreResult<std::string> complaintOfTable = complaintOf("PRAGMA quick_check(1)");
+  // With more in an index than in the table, it is the table that has lost something.
+  const StoreResult<std::int64_t> lost =
+      readNumber("SELECT max((SELECT count(createdAt) FROM NotletEntry INDEXED BY NotletEntryByCreation), "
+                 "(SELECT count(id) FROM NotletEntry INDEXED BY sqlite_autoindex_NotletEntry_1)) - (SELECT "
+                 "count(*) FROM NotletEntry NOT INDEXED)");
+  if (!complaintOfTable || !complaintOfTable->empty() || !lost || *lost > 0)
+    return damaged;
+  if (StoreResult<void> mended = m_connection.execute("REINDEX"); !mended)
+    return mended.error().kind == Kind::Busy ? mended : damaged;
+  const StoreResult<std::string> complaintAfterwards = complaintOf("PRAGMA integrity_check(1)");
+  if (!complaintAfterwards || !complaintAfterwards->empty())
+    return damaged;
+  return {};
+}
+
+/// What a check of SQLite's finds first; empty when all is well.
+StoreResult<std::string> NotletDatabase::complaintOf(const char* check) {
+  StoreResult<SqliteStatement> statement = SqliteStatement::prepare(m_connection, check);
   if (!statement)
     return std::unexpected(statement.error());
   const StoreResult<bool> row = statement->step();
   if (!row)
     return std::unexpected(row.error());
-  if (!*row || statement->text(0) != "ok")
-    return std::unexpected(
-        m_connection.error(Kind::Damaged, "is damaged: " + std::string(statement->text(0))));
-  return {};
+  if (!*row)
+    return "it cannot be checked";
+  return statement->text(0) == "ok" ? "" : std::string(statement->text(0));
 }
 
 StoreResult<std::int64_t> NotletDatabase::apply(const ChangeSet& changes) {

@@ -38,8 +38,10 @@ struct StoredNotlet {
 
 /// The store file: one row for each notlet. All SQL of the program is here.
 ///
-/// A file that is not a healthy store of ours is refused and never written. A damage met later is reported as
-/// such, and nothing is written from then on. The class is free of Qt and belongs to one thread.
+/// A file that is not a healthy store of ours is refused and never written. What an ended process left half
+/// done is undone, and an index that does not agree with its table is made anew, on reading too. A damage met
+/// later is reported as such, and nothing is written from then on. The class is free of Qt and belongs to one
+/// thread.
 class NotletDatabase {
  public:
   /// Opens the store. With write access a missing file is created (0600) together with its folder (0700).
@@ -86,7 +88,9 @@ class NotletDatabase {
   StoreResult<void> prepareConnection();
   StoreResult<void> checkSchema();
   StoreResult<void> checkSize();
-  StoreResult<void> checkPages();
+  StoreResult<void> checkContents();
+  StoreResult<void> mendIndexes(const std::string& complaint);
+  StoreResult<std::string> complaintOf(const char* check);
   StoreResult<std::int64_t> write(const ChangeSet& changes, bool& commitWasTried);
   StoreResult<void> writeRows(const ChangeSet& changes);
   StoreResult<bool> holds(const ChangeSet& changes);

@@ -90,6 +90,8 @@ StoreError SqliteConnection::lastError() const {
   default:
     break;
   }
+  if (code == SQLITE_READONLY_ROLLBACK)
+    return error(kind, "holds a save that was cut short, and cannot be put right because it is read-only");
   std::string complaint = "cannot be used: " + std::string(sqlite3_errmsg(handle()));
   if (const int reason = sqlite3_system_errno(handle()); reason != 0)
     complaint += " (" + std::generic_category().message(reason) + ")";

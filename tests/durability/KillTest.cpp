@@ -90,9 +90,9 @@ class KillTest : public StoreFixture {
  protected:
   KillTest() : StoreFixture(Medium::Disk) {}
 
-  Contents stored() const {
+  Contents stored(Access access = Access::ReadOnly) const {
     Contents contents;
-    const auto database = openStore();
+    const auto database = openStore(access);
     if (!database)
       return contents;
     const auto read = database->newest(1'000'000);
@@ -117,7 +117,7 @@ TEST_F(KillTest, nothingConfirmedIsLostNorComesBack) {
     writer.kill();
     writer.finish(confirmed, attempted);
     answered += writer.confirmations;
-    const Contents found = stored();
+    const Contents found = stored(round % 2 == 0 ? Access::ReadOnly : Access::ReadWrite);
     ASSERT_FALSE(HasFailure()) << "round " << round;
     ASSERT_TRUE(found == confirmed || found == attempted) << "round " << round;
     unanswered += confirmed != attempted ? 1 : 0;

@@ -37,6 +37,21 @@ class NotletDatabaseTest : public StoreFixture {
     EXPECT_EQ(sqlite3_exec(handle, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(handle);
     sqlite3_close(handle);
   }
+  /// What a program leaves behind that is killed while it saves.
+  void cutShortASave() const {
+    sqlite3* handle = nullptr;
+    ASSERT_EQ(sqlite3_open(store().c_str(), &handle), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(handle,
+                           "PRAGMA journal_mode=TRUNCATE; PRAGMA cache_size=1; BEGIN; UPDATE NotletEntry "
+                           "SET content = hex(zeroblob(100000))",
+                           nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    const std::string storeBytes = bytesOf(store());
+    const std::string journalBytes = bytesOf(journal());
+    sqlite3_close(handle);
+    write(store(), storeBytes);
+    write(journal(), journalBytes);
+  }
   std::string refusal(Access access = Access::ReadWrite) const {
     const auto opened = NotletDatabase::open(store(), access);
     return opened ? "" : opened.error().message;
@@ -223,6 +238,28 @@ TEST_F(NotletDatabaseTest, tablesOfAnotherKindAreRefused) {
   }
 }
 
+TEST_F(NotletDatabaseTest, aNotletThatAnIndexLeavesOutIsListed) {
+  // While the index is out of sight, the table changes.
+  const auto meddleBehind = [this](const std::string& index, const std::string& change) {
+    meddle(
+        ("PRAGMA writable_schema=ON; CREATE TEMP TABLE hidden AS SELECT * FROM sqlite_schema WHERE name = '" +
+         index + "'; DELETE FROM sqlite_schema WHERE name = '" + index + "'; PRAGMA writable_schema=RESET; " +
+         change + "; PRAGMA writable_schema=ON; INSERT INTO sqlite_schema SELECT * FROM hidden")
+            .c_str());
+  };
+  const std::string oneMore = "INSERT INTO NotletEntry (id, content, createdAt, hashtags, keywords) VALUES "
+                              "(randomblob(16), 'left out', 1, '', '')";
+  for (const Access access : {Access::ReadOnly, Access::ReadWrite}) {
+    fs::remove(store());
+    storeElsewhere({notletAt(1)});
+    meddleBehind("NotletEntryByCreation", oneMore);
+    EXPECT_EQ(openStore(access)->newest(10)->size(), 2);
+    EXPECT_EQ(openStore(access)->count(), 2);
+    meddleBehind("NotletEntryByCreation", "DELETE FROM NotletEntry");
+    EXPECT_THAT(refusal(access), HasSubstr("is damaged")) << "the notlets are gone from the table itself";
+  }
+}
+
 TEST_F(NotletDatabaseTest, aForeignFilesJournalIsNotPlayedBack) {
   write(store(), "SQLite format 3\0"s + std::string(5000, 'f'));
   // The header of a hot journal for a database of one page.
@@ -277,6 +314,14 @@ TEST_F(NotletDatabaseTest, missingPermissionsAreNamed) {
   ::chmod(store().c_str(), 0000);
   EXPECT_TRUE(asNobody([&] { EXPECT_THAT(refusal(Access::ReadOnly), HasSubstr("cannot be read")); }));
   ::chmod(shared.c_str(), 0700);
+  ::chmod(store().c_str(), 0600);
+  cutShortASave();
+  ::chmod(shared.c_str(), 0555);
+  for (const fs::path& file : {store(), journal()})
+    ::chmod(file.c_str(), 0444);
+  EXPECT_TRUE(asNobody([&] { EXPECT_THAT(refusal(Access::ReadOnly), HasSubstr("was cut short")); }));
+  ::chmod(shared.c_str(), 0700);
+  EXPECT_EQ(openStore(Access::ReadOnly)->newest(10)->front().content, "Call Anna");
 }
 
 TEST_F(NotletDatabaseTest, aStoreOpenedForReadingIsNotWritten) {
