@@ -30,6 +30,7 @@ Desktop::Desktop()
       m_hotKeyRoute(routeToHotKey()),
       m_hotKey(makeHotKey(m_hotKeyRoute, m_userTime, *m_windowSystem)) {
   connect(m_hotKey.get(), &GlobalHotKey::failed, this, [this] { m_hasHotKey = false; });
+  connect(m_hotKey.get(), &GlobalHotKey::installed, this, [this] { m_hasHotKey = true; });
 }
 
 Desktop::~Desktop() = default;

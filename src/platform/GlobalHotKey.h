@@ -17,13 +17,18 @@ class GlobalHotKey : public QObject {
   };
   Q_ENUM(Failure)
 
-  /// Asks for the key. Some desktops answer at once, some after asking the user; a refusal comes as failed().
+  /// Asks for the key. Some desktops answer at once, some after asking the user; the answer comes as
+  /// installed() or failed().
   virtual void install() = 0;
+  /// Asks again for a key that another program had. A further refusal is not told.
+  virtual void retry() = 0;
   /// Gives the key back; nothing happens when it was not obtained.
   virtual void uninstall() = 0;
 
  Q_SIGNALS:
   void pressed();
+  /// The program has the key, perhaps after a refusal.
+  void installed();
   void failed(notlet::GlobalHotKey::Failure failure);
 };
 

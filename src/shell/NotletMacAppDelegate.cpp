@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace notlet {
 
@@ -59,6 +60,7 @@ void NotletMacAppDelegate::configureGlobalQuickNotletHotKey() {
   connect(&hotKey, &GlobalHotKey::pressed, this,
           [this] { postNextTurn(CommandName::openGlobalMacQuickNotlet); });
   connect(&hotKey, &GlobalHotKey::failed, this, &NotletMacAppDelegate::reportHotKey);
+  connect(&hotKey, &GlobalHotKey::installed, this, &NotletMacAppDelegate::hotKeyInstalled);
   m_hasHotKey = true;
   hotKey.install();
 }
@@ -67,6 +69,13 @@ void NotletMacAppDelegate::reportHotKey(GlobalHotKey::Failure failure) {
   m_hasHotKey = false;
   m_hotKeyMessage = message(failure);
   m_surroundings.shortcutSettings.setErrorMessage(m_hotKeyMessage);
+}
+
+void NotletMacAppDelegate::hotKeyInstalled() {
+  m_hasHotKey = true;
+  const auto told = std::exchange(m_hotKeyMessage, std::nullopt);
+  if (told && m_surroundings.shortcutSettings.errorMessage() == told)
+    m_surroundings.shortcutSettings.setErrorMessage(std::nullopt);
 }
 
 void NotletMacAppDelegate::observeCommands() {
@@ -83,6 +92,7 @@ void NotletMacAppDelegate::observeCommands() {
 }
 
 void NotletMacAppDelegate::applicationDidBecomeActive() {
+  m_surroundings.hotKey.retry();
   MacShortcutSettings& settings = m_surroundings.shortcutSettings;
   const bool tellsOfHotKey = m_hotKeyMessage && settings.errorMessage() == m_hotKeyMessage;
   settings.reload();

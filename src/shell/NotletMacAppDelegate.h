@@ -42,7 +42,7 @@ class NotletMacAppDelegate : public QObject {
   /// Starts to listen, asks for the hot key and does what the program was started for: the main window comes
   /// forward, unless only the quick capture is asked for, or nothing at all.
   void applicationDidFinishLaunching(const std::optional<LaunchRequest>& request = LaunchRequest());
-  /// Brings edits of the shortcut file by hand into force.
+  /// Brings edits of the shortcut file by hand into force, and asks again for a hot key that was taken.
   void applicationDidBecomeActive();
   /// Gives the hot key back.
   void applicationWillTerminate();
@@ -72,6 +72,7 @@ class NotletMacAppDelegate : public QObject {
   void configureGlobalQuickNotletHotKey();
   void observeCommands();
   void reportHotKey(GlobalHotKey::Failure failure);
+  void hotKeyInstalled();
 
   void togglePopover();
   void enterFloatingMode();

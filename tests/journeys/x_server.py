@@ -94,5 +94,9 @@ class XServer:
                                X.GrabModeAsync)
         self.display.sync()
 
+    def ungrab_all(self):
+        self.root.ungrab_key(X.AnyKey, X.AnyModifier)
+        self.display.sync()
+
     def atom(self, name):
         return self.display.intern_atom(name)

@@ -240,7 +240,7 @@ TEST_F(NotletMacAppDelegateTest, OnlyALinkOfTheOwnSchemeShowsTheCapture) {
   }
 }
 
-TEST_F(NotletMacAppDelegateTest, ARefusedHotKeyIsToldUntilTheUserHasSeenIt) {
+TEST_F(NotletMacAppDelegateTest, ARefusedHotKeyIsToldUntilTheUserHasSeenItOrItIsHad) {
   const struct {
     GlobalHotKey::Failure failure;
     const char* message;
@@ -257,9 +257,14 @@ TEST_F(NotletMacAppDelegateTest, ARefusedHotKeyIsToldUntilTheUserHasSeenIt) {
       EXPECT_EQ(fileSettings.errorMessage(), message);
       delegate->applicationDidBecomeActive();
       EXPECT_EQ(fileSettings.errorMessage(), message) << "no window was there to show it before";
-      fileSettings.setErrorMessage(std::nullopt);
+      EXPECT_FALSE(delegate->waysBack().hotKey);
+      if (atOnce)
+        hotKey.refusal.reset();
+      else
+        fileSettings.setErrorMessage(std::nullopt);
       delegate->applicationDidBecomeActive();
       EXPECT_EQ(fileSettings.errorMessage(), std::nullopt);
+      EXPECT_EQ(delegate->waysBack().hotKey, atOnce);
     }
   }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <utility>
 
 #include "platform/GlobalHotKey.h"
 
@@ -10,10 +11,15 @@ namespace notlet {
 class FakeGlobalHotKey final : public GlobalHotKey {
  public:
   void install() override {
+    isInstalled = false;
     if (refusal)
       Q_EMIT failed(*refusal);
-    else
-      isInstalled = true;
+    retry();
+  }
+  void retry() override {
+    if (refusal || std::exchange(isInstalled, true))
+      return;
+    Q_EMIT installed();
   }
   void uninstall() override { isInstalled = false; }
 

@@ -29,12 +29,13 @@ class PortalHotKey final : public GlobalHotKey {
   ~PortalHotKey() override;
 
   void install() override;
+  /// The desktop may ask the user, who has answered.
+  void retry() override {}
   void uninstall() override;
   /// Whether the portal has agreed.
   [[nodiscard]] bool isInstalled() const { return m_isInstalled; }
 
  Q_SIGNALS:
-  void installed();
   /// What the desktop gave with the key, for WindowSystem::noteActivationToken(); comes before pressed().
   void activationTokenGiven(const std::string& token);
 

@@ -40,6 +40,11 @@ void X11HotKey::install() {
   followLayout();
 }
 
+void X11HotKey::retry() {
+  if (m_askedFor && m_grabbed.key == 0)
+    obtain(*m_askedFor);
+}
+
 void X11HotKey::uninstall() {
   if (!std::exchange(m_isInstalled, false))
     return;
@@ -125,11 +130,18 @@ void X11HotKey::followLayout() {
     return;
   release();
   m_askedFor = binding;
-  const Grab result = grab(binding);
-  if (result == Grab::obtained)
-    m_grabbed = binding;
-  else
+  const Grab result = obtain(binding);
+  if (result != Grab::obtained)
     Q_EMIT failed(result == Grab::taken ? Failure::taken : Failure::notInstalled);
+}
+
+X11HotKey::Grab X11HotKey::obtain(const X11KeyBinding& binding) {
+  const Grab result = grab(binding);
+  if (result == Grab::obtained) {
+    m_grabbed = binding;
+    Q_EMIT installed();
+  }
+  return result;
 }
 
 X11HotKey::Grab X11HotKey::grab(const X11KeyBinding& binding) const {

@@ -23,6 +23,7 @@ class X11HotKey final : public GlobalHotKey, private QAbstractNativeEventFilter 
 
   /// Answers at once. On failure nothing stays grabbed, but the next change of the layout tries again.
   void install() override;
+  void retry() override;
   void uninstall() override;
 
  private:
@@ -34,6 +35,7 @@ class X11HotKey final : public GlobalHotKey, private QAbstractNativeEventFilter 
   [[nodiscard]] bool isLayoutChange(const xcb_generic_event_t& event) const;
   void scheduleFollowing();
   void followLayout();
+  Grab obtain(const X11KeyBinding& binding);
   [[nodiscard]] Grab grab(const X11KeyBinding& binding) const;
   void release();
   void ungrab(const X11KeyBinding& binding) const;
