@@ -13,11 +13,6 @@ namespace {
 using Section = MacArchiveKeyboardSection;
 
 constexpr std::size_t suggestionLimit = 8;
-/// How long a key that needs the last result may wait for it.
-constexpr std::chrono::milliseconds searchPatience{30};
-
-const std::string changedElsewhere = "This notlet was changed elsewhere while you were editing it. Saving "
-                                     "replaces that change with your text.";
 
 } // namespace
 
@@ -26,10 +21,7 @@ ArchiveBrowser::ArchiveBrowser(Surroundings surroundings, QObject* parent)
   connect(&m_results, &ArchiveResults::changed, this, &ArchiveBrowser::resultsChanged);
   connect(&m_surroundings.index, &ArchiveIndex::listChanged, this, &ArchiveBrowser::followList);
   connect(&list(), &ModelContext::loadingFinished, this, &ArchiveBrowser::changed);
-  m_state.draftWarning = m_surroundings.unsavedEdits.warning();
-  connect(&m_surroundings.unsavedEdits, &UnsavedEdits::warningChanged, this, [this] {
-    update([&](State& state) { state.draftWarning = m_surroundings.unsavedEdits.warning(); });
-  });
+  connect(&m_surroundings.unsavedEdits, &UnsavedEdits::warningChanged, this, &ArchiveBrowser::changed);
   observeCommands();
 }
 
@@ -110,10 +102,7 @@ void ArchiveBrowser::appear() {
 
 void ArchiveBrowser::disappear() {
   m_isShown = false;
-  update([&](State& state) {
-    state = {};
-    state.draftWarning = m_surroundings.unsavedEdits.warning();
-  });
+  update([](State& state) { state = {}; });
 }
 
 const std::vector<std::string>& ArchiveBrowser::usedHashtags() const {
@@ -264,8 +253,9 @@ void ArchiveBrowser::select(const Uuid& id) {
 
 void ArchiveBrowser::followList() {
   m_narrowedIsStale = true;
-  if (m_state.editingID && !m_isWriting)
-    followEditedNotlet(*m_state.editingID);
+  // The text of a notlet that was deleted elsewhere, if it was changed here, stays as an orphaned edit.
+  if (m_state.editingID && !m_isWriting && !list().find(*m_state.editingID))
+    cancelEditing();
   Q_EMIT hashtagsChanged();
   // Suggestions and orphaned edits come from the list.
   if (m_state.editingID || !m_surroundings.unsavedEdits.texts().empty())

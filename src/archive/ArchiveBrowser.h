@@ -48,15 +48,11 @@ class ArchiveBrowser : public QObject {
     std::optional<Uuid> editingID;
     /// The text of the editor as typed, UTF-8.
     std::string editDraft;
-    /// What the user should know about the notlet being edited, a sentence or two; mostly empty.
-    std::string editNotice;
     bool showingDeleteConfirmation = false;
     /// Message of the failure alert, which is up while it is set.
     std::optional<std::string> saveError;
     /// Why that failed, for whoever has to mend it.
     std::string saveFailureReason;
-    /// Why an unsaved edit is not safe on disk at the moment; empty when all are.
-    std::string draftWarning;
     MacArchiveKeyboardSection keyboardSection = MacArchiveKeyboardSection::results;
     /// An index into visibleHashtags(), maybe beyond its end.
     int activeHashtagIndex = 0;
@@ -100,6 +96,10 @@ class ArchiveBrowser : public QObject {
   [[nodiscard]] const NotletEntry* selectedNotlet() const;
   /// Hashtags that complete the one being typed at the end of the edited text, at most eight, without "#".
   [[nodiscard]] std::vector<std::string> suggestions() const;
+  /// What the user should know about the notlet being edited, a line each; mostly empty.
+  [[nodiscard]] std::string editNotice() const;
+  /// Which unsaved edits are not safe on disk at the moment, a line each; empty when all are.
+  [[nodiscard]] std::string draftWarning() const { return m_surroundings.unsavedEdits.warning(); }
 
   /// The screen came into view, in its first state. Does nothing when it is in view already.
   void appear();
@@ -152,6 +152,7 @@ class ArchiveBrowser : public QObject {
   void dismissDeleteConfirmation();
   void deleteSelectedNotlet();
   void dismissSaveError();
+  void dismissDraftWarning() { m_surroundings.unsavedEdits.dismissWarning(); }
 
  Q_SIGNALS:
   /// The state differs, or what is computed from it and the hashtags in use.
@@ -169,8 +170,7 @@ class ArchiveBrowser : public QObject {
   [[nodiscard]] ModelContext& list() const { return m_surroundings.index.modelContext(); }
 
   void followList();
-  void followEditedNotlet(const Uuid& id);
-  void keepDraft(const Uuid& id);
+  void keepDraft(const Uuid& id, const std::string& draft) const;
   void closeEditor(State& state) const;
   void openEditor(const Uuid& id, std::string draft);
   void reportFailure(std::string message, const Error& error);

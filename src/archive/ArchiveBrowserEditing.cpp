@@ -22,7 +22,6 @@ const std::string replacesEarlierEdit = "There is an earlier edit of this notlet
 void ArchiveBrowser::closeEditor(State& state) const {
   state.editingID.reset();
   state.editDraft.clear();
-  state.editNotice.clear();
 }
 
 void ArchiveBrowser::openEditor(const Uuid& id, std::string draft) {
@@ -45,22 +44,14 @@ void ArchiveBrowser::beginEditing(const Uuid& id) {
   const NotletEntry* notlet = list().find(id);
   if (notlet == nullptr)
     return;
-  const bool hasEarlierEdit = hasUnsavedEdit(id);
   openEditor(id, notlet->content);
-  if (hasEarlierEdit)
-    update([](State& state) { state.editNotice = replacesEarlierEdit; });
 }
 
 void ArchiveBrowser::setEditDraft(std::string draft) {
   if (!m_state.editingID || draft == m_state.editDraft)
     return;
-  const Uuid id = *m_state.editingID;
-  update([&](State& state) {
-    state.editDraft = std::move(draft);
-    if (state.editNotice == replacesEarlierEdit)
-      state.editNotice.clear();
-  });
-  keepDraft(id);
+  keepDraft(*m_state.editingID, draft);
+  update([&](State& state) { state.editDraft = std::move(draft); });
 }
 
 void ArchiveBrowser::acceptSuggestion(const std::string& tag) {
@@ -68,12 +59,12 @@ void ArchiveBrowser::acceptSuggestion(const std::string& tag) {
 }
 
 /// An edit that would change nothing, or leave nothing, is no loss.
-void ArchiveBrowser::keepDraft(const Uuid& id) {
-  const std::string_view text = trimmed(m_state.editDraft);
+void ArchiveBrowser::keepDraft(const Uuid& id, const std::string& draft) const {
+  const std::string_view text = trimmed(draft);
   if (text.empty() || text == m_contentAtOpening)
     m_surroundings.unsavedEdits.forget(id);
   else
-    m_surroundings.unsavedEdits.keep(id, m_state.editDraft);
+    m_surroundings.unsavedEdits.keep(id, draft);
 }
 
 void ArchiveBrowser::saveEdit(const Uuid& id) {
@@ -105,6 +96,17 @@ bool ArchiveBrowser::hasUnsavedEdit(const Uuid& id) const {
   const NotletEntry* notlet = list().find(id);
   return text != nullptr && notlet != nullptr && trimmed(*text) != notlet->content &&
          (m_state.editingID != id || m_state.editDraft != *text);
+}
+
+std::string ArchiveBrowser::editNotice() const {
+  const NotletEntry* notlet = m_state.editingID ? list().find(*m_state.editingID) : nullptr;
+  if (notlet == nullptr || m_isWriting)
+    return {};
+  // Another program has the store open, too.
+  std::string notice = notlet->content == m_contentAtOpening ? "" : changedElsewhere;
+  if (hasUnsavedEdit(notlet->id))
+    notice += (notice.empty() ? "" : "\n") + replacesEarlierEdit;
+  return notice;
 }
 
 void ArchiveBrowser::restoreUnsavedEdit(const Uuid& id) {
@@ -195,20 +197,6 @@ void ArchiveBrowser::dismissSaveError() {
   update([](State& state) {
     state.saveError.reset();
     state.saveFailureReason.clear();
-  });
-}
-
-/// Another program has the store open, too.
-void ArchiveBrowser::followEditedNotlet(const Uuid& id) {
-  const NotletEntry* notlet = list().find(id);
-  // The text, if it was changed, stays as an orphaned edit.
-  if (notlet == nullptr)
-    return cancelEditing();
-  update([&](State& state) {
-    if (notlet->content != m_contentAtOpening)
-      state.editNotice = changedElsewhere;
-    else if (state.editNotice == changedElsewhere)
-      state.editNotice.clear();
   });
 }
 

@@ -1,5 +1,6 @@
 #include "archive/UnsavedEdits.h"
 
+#include <algorithm>
 #include <system_error>
 #include <utility>
 
@@ -20,7 +21,7 @@ void UnsavedEdits::restore(const std::filesystem::path& directory) {
       continue;
     auto text = keeperOf(*id).restore();
     if (!text)
-      m_warning = text.error().message;
+      m_unreadable.push_back(text.error().message);
     else if (!text->empty())
       m_texts.emplace(*id, std::move(*text));
   }
@@ -30,15 +31,39 @@ DraftKeeper& UnsavedEdits::keeperOf(const Uuid& id) {
   auto& keeper = m_keepers[id];
   if (!keeper) {
     keeper = std::make_unique<DraftKeeper>(m_directory, id.text(), m_scheduler);
-    connect(keeper.get(), &DraftKeeper::reported, this, &UnsavedEdits::setWarning);
+    connect(keeper.get(), &DraftKeeper::reported, this,
+            [this, id](const std::string& reason) { setUnsafe(id, reason); });
   }
   return *keeper;
 }
 
-void UnsavedEdits::setWarning(const std::string& warning) {
-  if (warning == m_warning)
+/// An empty reason says that the text is safe.
+void UnsavedEdits::setUnsafe(const Uuid& id, const std::string& reason) {
+  const auto known = m_unsafe.find(id);
+  if (reason == (known == m_unsafe.end() ? std::string() : known->second.reason))
     return;
-  m_warning = warning;
+  if (reason.empty())
+    m_unsafe.erase(known);
+  else
+    m_unsafe[id] = {reason};
+  Q_EMIT warningChanged();
+}
+
+std::string UnsavedEdits::warning() const {
+  std::string lines;
+  const auto add = [&](const std::string& line) { lines += lines.empty() ? line : "\n" + line; };
+  for (const auto& [id, warning] : m_unsafe) {
+    if (!warning.isDismissed)
+      add(warning.reason);
+  }
+  std::ranges::for_each(m_unreadable, add);
+  return lines;
+}
+
+void UnsavedEdits::dismissWarning() {
+  for (auto& [id, warning] : m_unsafe)
+    warning.isDismissed = true;
+  m_unreadable.clear();
   Q_EMIT warningChanged();
 }
 

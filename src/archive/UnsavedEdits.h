@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/Uuid.h"
 #include "platform/DraftKeeper.h"
@@ -27,8 +28,11 @@ class UnsavedEdits : public QObject {
   /// All kept texts, by the identifier of their notlet.
   [[nodiscard]] const std::map<Uuid, std::string>& texts() const { return m_texts; }
 
-  /// Why some text is not safe on disk at the moment; empty when all are.
-  [[nodiscard]] const std::string& warning() const { return m_warning; }
+  /// Which texts are not safe on disk at the moment and which could not be read, a line each with the reason;
+  /// without those that were dismissed.
+  [[nodiscard]] std::string warning() const;
+  /// What is warned of now is known. Another reason is told again.
+  void dismissWarning();
 
   /// Keeps this text from now on, in place of an earlier one.
   void keep(const Uuid& id, std::string text);
@@ -42,12 +46,17 @@ class UnsavedEdits : public QObject {
  private:
   void restore(const std::filesystem::path& directory);
   DraftKeeper& keeperOf(const Uuid& id);
-  void setWarning(const std::string& warning);
+  void setUnsafe(const Uuid& id, const std::string& reason);
 
   std::optional<std::filesystem::path> m_directory;
   Scheduler& m_scheduler;
   std::map<Uuid, std::string> m_texts;
-  std::string m_warning;
+  struct Warning {
+    std::string reason;
+    bool isDismissed = false;
+  };
+  std::vector<std::string> m_unreadable;
+  std::map<Uuid, Warning> m_unsafe;
   std::map<Uuid, std::unique_ptr<DraftKeeper>> m_keepers;
 };
 

@@ -103,15 +103,22 @@ TEST_F(UnsavedEditsTest, StartingAnewWarnsThatTheEarlierEditWillBeReplaced) {
   browser->cancelEditing();
   browser->beginEditing(id);
   EXPECT_EQ(state().editDraft, "first");
-  EXPECT_NE(state().editNotice, "");
+  EXPECT_NE(browser->editNotice(), "");
   browser->cancelEditing();
-  EXPECT_EQ(state().editNotice, "");
+  EXPECT_EQ(browser->editNotice(), "");
   browser->restoreUnsavedEdit(id);
   EXPECT_EQ(state().editDraft, "an hour of work");
-  EXPECT_EQ(state().editNotice, "");
+  EXPECT_EQ(browser->editNotice(), "");
   browser->cancelEditing();
-  edit(id, "another idea");
-  EXPECT_EQ(state().editNotice, "");
+  browser->beginEditing(id);
+  const std::string notice = browser->editNotice();
+  changeElsewhere(id, "theirs");
+  ASSERT_TRUE(sees([&] { return browser->editNotice().size() > notice.size(); }));
+  EXPECT_TRUE(browser->editNotice().ends_with(notice)) << "both are true";
+  QObject::connect(browser.get(), &ArchiveBrowser::changed,
+                   [&] { EXPECT_FALSE(browser->editNotice().ends_with(notice)); });
+  browser->setEditDraft("another idea");
+  EXPECT_FALSE(browser->editNotice().ends_with(notice));
 }
 
 TEST_F(UnsavedEditsTest, DeletingTheNotletDeletesItsUnsavedEdit) {
@@ -127,20 +134,20 @@ TEST_F(UnsavedEditsTest, DeletingTheNotletDeletesItsUnsavedEdit) {
 TEST_F(UnsavedEditsTest, AChangeElsewhereIsToldAndTheUsersTextStands) {
   const Uuid id = fill({"first"})[0];
   edit(id, "mine");
-  EXPECT_EQ(state().editNotice, "");
+  EXPECT_EQ(browser->editNotice(), "");
   changeElsewhere(id, "theirs");
-  ASSERT_TRUE(sees([&] { return !state().editNotice.empty(); }));
+  ASSERT_TRUE(sees([&] { return !browser->editNotice().empty(); }));
   EXPECT_EQ(state().editDraft, "mine");
   EXPECT_EQ(context->find(id)->content, "theirs");
   browser->saveEdit(id);
   EXPECT_EQ(storedText(id), "mine");
-  EXPECT_EQ(state().editNotice, "");
+  EXPECT_EQ(browser->editNotice(), "");
   // What was written elsewhere is what a new edit starts from.
   changeElsewhere(id, "theirs again");
   ASSERT_TRUE(sees([&] { return context->find(id)->content == "theirs again"; }));
   browser->beginEditing(id);
   EXPECT_EQ(state().editDraft, "theirs again");
-  EXPECT_EQ(state().editNotice, "");
+  EXPECT_EQ(browser->editNotice(), "");
 }
 
 TEST_F(UnsavedEditsTest, TheTextOfANotletDeletedElsewhereCanBeStoredAnew) {
@@ -190,17 +197,33 @@ TEST_F(UnsavedEditsTest, ADiscardedOrphanIsGoneForGood) {
   EXPECT_EQ(browser->orphanedEdit(), nullptr);
 }
 
-TEST_F(UnsavedEditsTest, SaysWhyAnEditIsNotSafe) {
-  const Uuid id = fill({"first"})[0];
-  std::filesystem::create_directories(editFolder().parent_path());
-  std::ofstream(editFolder()) << "a file where the folder should be";
-  edit(id, "changed");
-  scheduler.advance(std::chrono::seconds(1));
-  ASSERT_TRUE(sees([&] { return !state().draftWarning.empty(); }));
-  std::filesystem::remove(editFolder());
-  browser->setEditDraft("changed again");
-  scheduler.advance(std::chrono::seconds(1));
-  EXPECT_TRUE(sees([&] { return state().draftWarning.empty(); }));
+TEST_F(UnsavedEditsTest, SaysWhyAnEditIsNotSafeAsLongAsThatIsSo) {
+  const auto ids = fill({"first", "second"});
+  const auto inTheWay = editFolder() / (ids[0].text() + ".txt");
+  std::filesystem::create_directories(inTheWay / "x");
+  const auto editAndWait = [&](const Uuid& id, const std::string& draft) {
+    edit(id, draft);
+    unsavedEdits->flush();
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::sendPostedEvents();
+  };
+  editAndWait(ids[0], "changed");
+  const std::string warning = browser->draftWarning();
+  EXPECT_NE(warning, "");
+  editAndWait(ids[1], "changed");
+  EXPECT_EQ(browser->draftWarning(), warning) << "the other one is safe, this one is not";
+  browser->dismissDraftWarning();
+  editAndWait(ids[0], "changed again");
+  EXPECT_EQ(browser->draftWarning(), "") << "nothing new";
+  std::filesystem::remove_all(inTheWay);
+  editAndWait(ids[0], "safe");
+  std::filesystem::remove(inTheWay);
+  std::filesystem::create_directories(inTheWay / "x");
+  editAndWait(ids[0], "in trouble again");
+  EXPECT_EQ(browser->draftWarning(), warning);
+  std::filesystem::remove_all(inTheWay);
+  editAndWait(ids[0], "safe again");
+  EXPECT_EQ(browser->draftWarning(), "");
 }
 
 TEST_F(UnsavedEditsTest, FilesThatAreNoEditsAreLeftAlone) {
@@ -211,8 +234,11 @@ TEST_F(UnsavedEditsTest, FilesThatAreNoEditsAreLeftAlone) {
   std::ofstream(editFolder() / (id + ".txt")) << "caf\xE9";
   start();
   EXPECT_THAT(unsavedEdits->texts(), IsEmpty());
-  EXPECT_NE(state().draftWarning, "");
   EXPECT_EQ(fileCount(), 3U);
+  edit(fill({"first"})[0], "safe");
+  unsavedEdits->flush();
+  QCoreApplication::sendPostedEvents();
+  EXPECT_NE(browser->draftWarning(), "") << "the text that could not be read is still not there";
 }
 
 } // namespace notlet

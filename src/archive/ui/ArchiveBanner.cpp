@@ -24,11 +24,7 @@ QString excerptOf(const QString& text) {
 
 } // namespace
 
-ArchiveBanner::ArchiveBanner(QWidget* parent)
-    : QWidget(parent),
-      m_message(new QLabel),
-      m_save(new TextButton(tr("Save as new notlet"), TextButton::Look::standard)),
-      m_discard(new TextButton(tr("Discard"), TextButton::Look::borderlessDestructive)) {
+ArchiveBanner::ArchiveBanner(QWidget* parent) : QWidget(parent), m_message(new QLabel) {
   m_message->setTextFormat(Qt::PlainText);
   m_message->setWordWrap(true);
   m_message->setFont(textFont(TextStyle::footnote));
@@ -38,31 +34,24 @@ ArchiveBanner::ArchiveBanner(QWidget* parent)
   rows->setContentsMargins(12, 8, 12, 8);
   rows->setSpacing(8);
   rows->addWidget(m_message);
+  auto* save = new TextButton(tr("Save as new notlet"), TextButton::Look::standard);
+  auto* discard = new TextButton(tr("Discard"), TextButton::Look::borderlessDestructive);
   auto* buttons = new QHBoxLayout;
   buttons->setSpacing(8);
-  buttons->addWidget(m_save);
-  buttons->addWidget(m_discard);
+  buttons->addWidget(save);
+  buttons->addWidget(discard);
   buttons->addStretch();
   rows->addLayout(buttons);
-  connect(m_save, &TextButton::clicked, this, &ArchiveBanner::saveRequested);
-  connect(m_discard, &TextButton::clicked, this, &ArchiveBanner::discardRequested);
+  connect(save, &TextButton::clicked, this, &ArchiveBanner::saveRequested);
+  connect(discard, &TextButton::clicked, this, &ArchiveBanner::discardRequested);
 }
 
-void ArchiveBanner::showOrphanedEdit(const QString& text) {
-  show(tr("A notlet was deleted elsewhere while you had an unsaved edit of it. Your text is kept here: “%1”")
-           .arg(excerptOf(text)),
-       true);
-}
-
-void ArchiveBanner::showWarning(const QString& warning) {
-  show(warning, false);
-}
-
-void ArchiveBanner::show(const QString& message, bool withButtons) {
+void ArchiveBanner::setOrphanedEdit(const QString& text) {
+  const QString message =
+      tr("A notlet was deleted elsewhere while you had an unsaved edit of it. Your text is kept here: “%1”")
+          .arg(excerptOf(text));
   m_message->setText(breakable(message, m_message->fontMetrics(), narrowestMessage));
   m_message->setAccessibleName(message);
-  m_save->setVisible(withButtons);
-  m_discard->setVisible(withButtons);
 }
 
 void ArchiveBanner::paintEvent(QPaintEvent*) {

@@ -5,18 +5,15 @@
 
 namespace notlet {
 
-class TextButton;
-
-/// What the user must know or decide about texts that are not in the store, above the list.
+/// A text that is not in the store, with what can be done about it, above the list.
 class ArchiveBanner : public QWidget {
   Q_OBJECT
 
  public:
   explicit ArchiveBanner(QWidget* parent = nullptr);
 
-  /// A text whose notlet was deleted, with what can be done about it.
-  void showOrphanedEdit(const QString& text);
-  void showWarning(const QString& warning);
+  /// The text of a notlet that was deleted.
+  void setOrphanedEdit(const QString& text);
 
  Q_SIGNALS:
   void saveRequested();
@@ -26,11 +23,7 @@ class ArchiveBanner : public QWidget {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  void show(const QString& message, bool withButtons);
-
   QLabel* m_message;
-  TextButton* m_save;
-  TextButton* m_discard;
 };
 
 } // namespace notlet

@@ -118,7 +118,7 @@ void ArchiveList::renderActiveRow(std::size_t row, const NotletEntry& notlet) {
 void ArchiveList::renderContent(const NotletEntry& notlet) {
   const auto& state = m_browser.state();
   if (state.editingID == notlet.id)
-    m_activeRow->showEditor({state.editDraft, m_browser.suggestions(), state.editNotice});
+    m_activeRow->showEditor({state.editDraft, m_browser.suggestions(), m_browser.editNotice()});
   else
     m_activeRow->showText(m_browser.hasUnsavedEdit(notlet.id));
 }

@@ -32,6 +32,7 @@ MacArchiveView::MacArchiveView(ArchiveBrowser& browser, QWidget* parent)
       m_browser(browser),
       m_search(new SearchField(tr("Search notlets"), tr("Clear search"))),
       m_hashtags(new ArchiveHashtagBar),
+      m_notice(new NoticeBar),
       m_banner(new ArchiveBanner),
       m_content(new QStackedLayout),
       m_list(new ArchiveList(browser)),
@@ -61,6 +62,7 @@ void MacArchiveView::layOut() {
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
+  column->addWidget(m_notice);
   column->addLayout(controls);
   column->addWidget(makeDivider());
   column->addLayout(m_content, 1);
@@ -83,6 +85,7 @@ void MacArchiveView::connectHandlers() {
     renderHashtags();
   });
   connect(m_list, &ArchiveList::entered, &m_browser, &ArchiveBrowser::enterResults);
+  connect(m_notice, &NoticeBar::dismissed, &m_browser, &ArchiveBrowser::dismissDraftWarning);
   connect(m_banner, &ArchiveBanner::saveRequested, &m_browser, &ArchiveBrowser::saveOrphanedEdit);
   connect(m_banner, &ArchiveBanner::discardRequested, this, &MacArchiveView::askToDiscard);
 }
@@ -91,7 +94,7 @@ void MacArchiveView::render() {
   m_search->setText(fromUtf8(m_browser.state().searchText));
   renderHashtags();
   renderContent();
-  renderBanner();
+  renderNotices();
   renderFocus();
   renderDeleteConfirmation();
   renderSaveAlert();
@@ -121,14 +124,12 @@ void MacArchiveView::renderContent() {
   m_content->setCurrentWidget(isEmpty ? static_cast<QWidget*>(m_placeholder) : m_list);
 }
 
-void MacArchiveView::renderBanner() {
+void MacArchiveView::renderNotices() {
+  m_notice->setText(fromUtf8(m_browser.draftWarning()));
   const std::string* orphan = m_browser.orphanedEdit();
-  const std::string& warning = m_browser.state().draftWarning;
   if (orphan)
-    m_banner->showOrphanedEdit(fromUtf8(*orphan));
-  else if (!warning.empty())
-    m_banner->showWarning(fromUtf8(warning));
-  m_banner->setVisible(orphan || !warning.empty());
+    m_banner->setOrphanedEdit(fromUtf8(*orphan));
+  m_banner->setVisible(orphan);
 }
 
 /// What has the keyboard while no text is being typed.

@@ -11,6 +11,7 @@
 #include "archive/ui/ArchiveList.h"
 #include "archive/ui/ArchivePlaceholder.h"
 #include "widgets/Alert.h"
+#include "widgets/NoticeBar.h"
 #include "widgets/SearchField.h"
 
 namespace notlet {
@@ -38,7 +39,7 @@ class MacArchiveView : public QWidget {
   void render();
   void renderHashtags();
   void renderContent();
-  void renderBanner();
+  void renderNotices();
   void renderFocus();
   [[nodiscard]] QWidget* keyboardWidget() const;
   void renderDeleteConfirmation();
@@ -48,6 +49,7 @@ class MacArchiveView : public QWidget {
   ArchiveBrowser& m_browser;
   SearchField* m_search;
   ArchiveHashtagBar* m_hashtags;
+  NoticeBar* m_notice;
   ArchiveBanner* m_banner;
   QStackedLayout* m_content;
   ArchiveList* m_list;
