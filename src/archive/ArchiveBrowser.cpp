@@ -116,7 +116,7 @@ const std::vector<std::string>& ArchiveBrowser::visibleHashtags() const {
     m_narrowedHashtags.clear();
     const std::string wanted = folded(m_state.hashtagSearchQuery);
     for (const std::string& tag : usedHashtags()) {
-      if (containsCanonically(tag, wanted))
+      if (containsCanonically(folded(tag), wanted))
         m_narrowedHashtags.push_back(tag);
     }
   }

@@ -73,8 +73,9 @@ std::vector<TagCount> TagCounts::beginningWith(std::string_view prefix) const {
   const std::string foldedPrefix = folded(withoutSign(prefix));
   std::vector<TagCount> found;
   for (const std::string& tag : m_ranking.usedHashtags()) {
-    if (startsWithCanonically(tag, foldedPrefix))
-      found.push_back({.tag = tag, .count = m_counts.at(tag)});
+    const std::string key = folded(tag);
+    if (startsWithCanonically(key, foldedPrefix))
+      found.push_back({.tag = tag, .count = m_counts.at(key)});
   }
   return found;
 }

@@ -45,7 +45,7 @@ struct TagCount {
 class TagCounts {
  public:
   void add(const NotletEntry& notlet);
-  /// Folded, most used first; a leading "#" of the prefix does not count.
+  /// In a form that checkedTags() takes, most used first; a leading "#" of the prefix does not count.
   [[nodiscard]] std::vector<TagCount> beginningWith(std::string_view prefix) const;
 
  private:

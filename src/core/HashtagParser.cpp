@@ -1,6 +1,7 @@
 #include "core/HashtagParser.h"
 
 #include <unicode/regex.h>
+#include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <unordered_set>
 
 #include "core/Text.h"
+#include "core/Unfolding.h"
 
 namespace notlet::HashtagParser {
 
@@ -68,6 +70,24 @@ std::string leadingTag(std::string_view token) {
   return tag;
 }
 
+/// What the patterns above take into a tag.
+bool isTagCharacter(char32_t character) {
+  return character == '_' || character == '-' ||
+         (U_GET_GC_MASK(static_cast<UChar32>(character)) & (U_GC_L_MASK | U_GC_N_MASK)) != 0;
+}
+
+/// The first character of a tag with all that follows it and cannot stand in a tag.
+std::string_view firstPiece(std::string_view tag) {
+  std::size_t end = firstCodePoint(tag).length;
+  while (end < tag.size()) {
+    const CodePoint next = firstCodePoint(tag.substr(end));
+    if (isTagCharacter(next.value))
+      break;
+    end += next.length;
+  }
+  return tag.substr(0, end);
+}
+
 /// Where the hashtag in progress begins (its "#"). Only the last "#" can begin it, because no tag holds one,
 /// and it is one token, so a long text costs no more than a short one.
 std::optional<std::size_t> beginOfHashtagInProgress(std::string_view text) {
@@ -110,6 +130,24 @@ std::optional<std::string> inProgressHashtag(std::string_view text) {
   if (!begin)
     return std::nullopt;
   return std::string(text.substr(*begin + 1));
+}
+
+std::string writtenTag(std::string_view foldedTag) {
+  std::string written;
+  while (!foldedTag.empty()) {
+    std::string_view piece = firstPiece(foldedTag);
+    foldedTag.remove_prefix(piece.size());
+    if (firstCodePoint(piece).length < piece.size()) {
+      const std::vector<std::string>& whole = Unfolding::charactersOf(piece);
+      const auto letter = std::ranges::find_if(whole, [](const std::string& character) {
+        return isTagCharacter(firstCodePoint(character).value);
+      });
+      if (letter != whole.end())
+        piece = *letter;
+    }
+    written.append(piece);
+  }
+  return written;
 }
 
 std::string completingHashtag(std::string_view tag, std::string_view text) {

@@ -16,6 +16,10 @@ namespace notlet::HashtagParser {
 /// The tag being typed at the very end of the text, empty directly after "#"; nothing when there is none.
 [[nodiscard]] std::optional<std::string> inProgressHashtag(std::string_view text);
 
+/// A folded tag in the letters in which it can be written: the nearest to its folded form that parse() gives
+/// back as one tag. "i̇z" stays together as "İz" only.
+[[nodiscard]] std::string writtenTag(std::string_view foldedTag);
+
 /// The text with its hashtag in progress replaced by "#tag "; appended as it is when there is none.
 [[nodiscard]] std::string completingHashtag(std::string_view tag, std::string_view text);
 

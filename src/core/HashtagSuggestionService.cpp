@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "core/HashtagParser.h"
 #include "core/Text.h"
 
 namespace notlet::HashtagSuggestionService {
@@ -34,6 +35,7 @@ std::vector<std::string> usedHashtags(std::span<const NotletEntry> notlets) {
     const Tally& theirs = tallies.at(right);
     return ours.uses != theirs.uses ? ours.uses > theirs.uses : ours.latest > theirs.latest;
   });
+  std::ranges::transform(tags, tags.begin(), HashtagParser::writtenTag);
   return tags;
 }
 
@@ -49,7 +51,8 @@ std::vector<std::string> suggestions(std::string_view prefix, std::span<const st
   for (const std::string& tag : ranked) {
     if (chosen.size() >= limit)
       break;
-    if (tag != beginning && startsWithCanonically(tag, beginning))
+    const std::string key = folded(tag);
+    if (key != beginning && startsWithCanonically(key, beginning))
       chosen.push_back(tag);
   }
   return chosen;

@@ -11,8 +11,9 @@
 /// Ranks the hashtags in use. HashtagTallies gives the same answers for notlets that come and go.
 namespace notlet::HashtagSuggestionService {
 
-/// All tags, folded, the most used first; between equal counts the one used later by `createdAt`; between
-/// equal times in the order of their bytes.
+/// All tags, lowercase as far as they can be written so (HashtagParser::writtenTag), the most used first;
+/// between equal counts the one used later by `createdAt`; between equal times in the order of their folded
+/// bytes.
 [[nodiscard]] std::vector<std::string> usedHashtags(std::span<const NotletEntry> notlets);
 
 /// The first `limit` used tags that begin with the prefix, in any letter case, and are longer than it.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/HashtagParser.h"
 #include "core/HashtagSuggestionService.h"
 
 namespace notlet {
@@ -82,7 +83,7 @@ void HashtagTallies::bringUpToDate() const {
   m_changed.clear();
   m_usedHashtags.clear();
   for (const Entry* entry : m_ranking)
-    m_usedHashtags.push_back(entry->first);
+    m_usedHashtags.push_back(HashtagParser::writtenTag(entry->first));
 }
 
 } // namespace notlet

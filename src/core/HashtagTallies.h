@@ -26,7 +26,7 @@ class HashtagTallies {
   void remove(const NotletEntry& notlet);
   void clear();
 
-  /// Folded, most used first. Valid until the next change.
+  /// As HashtagParser::writtenTag() writes them, most used first. Valid until the next change.
   [[nodiscard]] const std::vector<std::string>& usedHashtags() const;
   [[nodiscard]] std::vector<std::string> suggestions(std::string_view prefix, std::size_t limit) const;
 

@@ -206,6 +206,9 @@ TEST_F(ProgramTest, countsTags) {
   EXPECT_EQ(notlet.succeed({"tags", "W"}).output, "#work\t2\n");
   EXPECT_EQ(notlet.succeed({"tags", "#work"}).output, "#work\t2\n");
   EXPECT_EQ(notlet.succeed({"tags", "ork"}).output, "");
+  static_cast<void>(notlet.add("#İz"));
+  EXPECT_EQ(contents({"list", "--tag", notlet.succeed({"tags", "i\u0307z"}).output.substr(0, 4)}),
+            std::vector<std::string>{"#İz"});
   EXPECT_EQ(notlet.succeed({"tags", "--limit", "1"}).lines().size(), 1U);
   EXPECT_EQ(json::parse(notlet.succeed({"tags", "--json", "wo"}).output),
             json({{"tag", "work"}, {"count", 2}}));

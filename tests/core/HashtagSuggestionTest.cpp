@@ -1,8 +1,10 @@
 #include <gmock/gmock.h>
 
+#include "core/HashtagParser.h"
 #include "core/HashtagSuggestionService.h"
 #include "core/HashtagTallies.h"
 #include "core/RandomText.h"
+#include "core/Text.h"
 
 namespace notlet {
 
@@ -30,6 +32,24 @@ TEST(HashtagSuggestionTest, TagsAreRankedByUseAndThenByTime) {
   EXPECT_THAT(suggestions("", notlets, 0), IsEmpty());
   EXPECT_THAT(usedHashtags({}), IsEmpty());
   EXPECT_THAT(suggestions("", std::span<const NotletEntry>(), 8), IsEmpty());
+}
+
+// Lowercase or in canonical form these hold marks, which no hashtag holds.
+TEST(HashtagSuggestionTest, AnOfferedTagIsTheSameTagWhenChosen) {
+  for (const char* tag :
+       {"İz", "AİB", "İΣ", "\u0958\u0932\u092E", "\uFB2A\u05DC\uFB2C", "ÅNGSTRÖM", "\u212A"}) {
+    const NotletEntry notlet = tagged(1, {tag});
+    HashtagTallies tallies;
+    tallies.add(notlet);
+    const auto offered = tallies.suggestions("", 8);
+    ASSERT_EQ(offered.size(), 1U);
+    const std::string chosen = HashtagParser::completingHashtag(offered[0], "#");
+    tallies.add(makeNotlet(chosen, Timestamp{}).value());
+    EXPECT_EQ(tallies.usedHashtags(), offered) << tag << " became " << chosen;
+    EXPECT_THAT(HashtagSuggestionService::usedHashtags({&notlet, 1}), offered);
+    EXPECT_THAT(tallies.suggestions(std::string(graphemes(tag).front()), 8).size(),
+                graphemeCount(tag) > 1 ? 1 : 0);
+  }
 }
 
 TEST(HashtagSuggestionTest, ATagsLatestUseGoesBackWhenTheNotletGoes) {

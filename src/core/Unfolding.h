@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// The way back from folded text (see folded()) to what may have been written.
+namespace notlet::Unfolding {
+
+/// The single characters, other than the text itself, that fold to this text, in the order of their code
+/// points: "I" for "i", "İ" for "i̇". Most texts have none.
+[[nodiscard]] const std::vector<std::string>& charactersOf(std::string_view foldedText);
+
+} // namespace notlet::Unfolding
