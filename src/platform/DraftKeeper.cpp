@@ -13,6 +13,8 @@ namespace notlet {
 namespace {
 
 constexpr std::chrono::milliseconds writeDelay{500};
+/// Between two tries to write what the disk does not take.
+constexpr std::chrono::milliseconds retryDelay{3000};
 /// In bytes. Larger ones are set aside: no editor could show them.
 constexpr std::size_t largestDraft = std::size_t{256} << 20;
 
@@ -69,40 +71,51 @@ void DraftKeeper::keep(std::string text) {
   if (!m_file)
     return;
   m_pending = std::move(text);
-  m_isPending = true;
   // What was saved must not come back, however soon after the program ends.
-  if (m_pending.empty())
+  if (m_pending->empty())
     return write();
-  if (m_isScheduled)
+  writeAfter(writeDelay, m_isScheduled);
+}
+
+void DraftKeeper::writeAfter(std::chrono::milliseconds delay, bool& isScheduled) {
+  if (std::exchange(isScheduled, true))
     return;
-  m_isScheduled = true;
-  m_scheduler.after(writeDelay, this, [this] {
-    m_isScheduled = false;
+  m_scheduler.after(delay, this, [this, &isScheduled] {
+    isScheduled = false;
     write();
   });
 }
 
 void DraftKeeper::write() {
-  if (!m_isPending || !m_file)
-    return;
-  m_isPending = false;
-  const std::lock_guard lock(m_mutex);
-  m_next = std::move(m_pending);
-  if (m_isWriting)
-    return; // The thread takes this text after the one it is at.
-  m_isWriting = true;
-  m_writer = std::jthread([this, file = *m_file] { writeAll(file); });
+  {
+    const std::lock_guard lock(m_mutex);
+    if (m_pending)
+      m_next = std::exchange(m_pending, std::nullopt);
+    // A thread that is at work takes this text after the one it is at.
+    if (!m_next || std::exchange(m_isWriting, true))
+      return;
+  }
+  try {
+    m_writer = std::jthread([this] { writeAll(); });
+  } catch (const std::system_error&) {
+    writeAll(); // The system has no thread to spare: a key that waits for the disk is better than a lost
+                // text.
+  }
 }
 
 /// Runs on the writing thread, which this object outlives.
-void DraftKeeper::writeAll(const std::filesystem::path& file) {
+void DraftKeeper::writeAll() {
   std::unique_lock lock(m_mutex);
-  while (const auto text = std::exchange(m_next, std::nullopt)) {
+  while (auto text = std::exchange(m_next, std::nullopt)) {
     lock.unlock();
-    std::string report = bringToDisk(file, *text);
+    std::string report = bringToDisk(*m_file, *text);
     lock.lock();
     m_report = std::move(report);
     QMetaObject::invokeMethod(this, "deliverReport", Qt::QueuedConnection);
+    if (m_report.empty() || m_next)
+      continue;
+    m_next = std::move(text); // Until the next try.
+    break;
   }
   m_isWriting = false;
   m_isDone.notify_all();
@@ -112,11 +125,18 @@ void DraftKeeper::deliverReport() {
   std::unique_lock lock(m_mutex);
   const std::string report = m_report;
   lock.unlock();
+  if (!report.empty())
+    writeAfter(retryDelay, m_isRetryScheduled);
   Q_EMIT reported(report);
 }
 
 void DraftKeeper::flush() {
+  awaitWriter(); // What it fails to write is tried once more.
   write();
+  awaitWriter();
+}
+
+void DraftKeeper::awaitWriter() {
   std::unique_lock lock(m_mutex);
   m_isDone.wait(lock, [this] { return !m_isWriting; });
 }

@@ -16,7 +16,8 @@ namespace notlet {
 /// Keeps the text that is being typed on one surface in a file of its own, so that it survives a crash.
 ///
 /// The file holds the bare text in UTF-8. It is written half a second after the first key that it lacks, away
-/// from the main thread, and removed as soon as the text is empty.
+/// from the main thread, and removed as soon as the text is empty. What the disk does not take is tried again
+/// every few seconds.
 class DraftKeeper : public QObject {
   Q_OBJECT
 
@@ -43,19 +44,22 @@ class DraftKeeper : public QObject {
   void deliverReport();
 
  private:
+  void writeAfter(std::chrono::milliseconds delay, bool& isScheduled);
   void write();
-  void writeAll(const std::filesystem::path& file);
+  void writeAll();
+  void awaitWriter();
 
-  std::optional<std::filesystem::path> m_file;
+  std::optional<std::filesystem::path> m_file; // Never changes.
   Scheduler& m_scheduler;
-  std::string m_pending;
-  bool m_isPending = false;
+  std::optional<std::string> m_pending;
   bool m_isScheduled = false;
+  bool m_isRetryScheduled = false;
 
   // One thread at a time, so that an older text never overwrites a newer one. It ends when nothing is left to
-  // write; what both threads use stands under the mutex.
+  // write, or the disk takes no more; what both threads use stands under the mutex.
   std::mutex m_mutex;
   std::condition_variable m_isDone;
+  /// The newest text that the file lacks and that no thread is at.
   std::optional<std::string> m_next;
   std::string m_report;
   bool m_isWriting = false;

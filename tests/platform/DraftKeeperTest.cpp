@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "support/FakeScheduler.h"
+#include "support/NoThreads.h"
 #include "support/TemporaryDirectory.h"
 
 namespace notlet {
@@ -83,23 +84,47 @@ TEST_F(DraftKeeperTest, SetsAsideWhatItCannotReadAndNeverDeletesIt) {
   EXPECT_EQ(kept, 1);
 }
 
-TEST_F(DraftKeeperTest, SaysWhyADraftIsNotSafeAndWhenItIsAgain) {
+TEST_F(DraftKeeperTest, TriesAgainUntilTheDraftIsSafeAndSaysWhyItIsNot) {
+  const auto obstruct = [&] { std::ofstream(drafts) << "a file where the directory should be"; };
   std::filesystem::create_directories(drafts.parent_path());
-  std::ofstream(drafts) << "a file where the directory should be";
-  const auto keeper = start();
+  obstruct();
+  auto keeper = start();
   std::vector<std::string> reports;
   QObject::connect(keeper.get(), &DraftKeeper::reported,
                    [&](const std::string& reason) { reports.push_back(reason); });
   keeper->keep("text");
-  keeper->flush();
+  scheduler.advance(1s);
   ASSERT_TRUE(QTest::qWaitFor([&] { return reports.size() == 1; }));
   EXPECT_NE(reports[0], "");
   std::filesystem::remove(drafts);
-  keeper->keep("text, again");
-  keeper->flush();
+  scheduler.advance(5s);
   ASSERT_TRUE(QTest::qWaitFor([&] { return reports.size() == 2; }));
   EXPECT_EQ(reports[1], "");
-  EXPECT_EQ(contentsOf(file), "text, again");
+  EXPECT_EQ(contentsOf(file), "text");
+  EXPECT_TRUE(scheduler.isIdle());
+
+  // An end does not wait for its turn, and a text that was emptied meanwhile does not come back.
+  for (const std::string text : {"text at the end", ""}) {
+    std::filesystem::remove_all(drafts);
+    obstruct();
+    keeper->keep("older text");
+    keeper->keep(text);
+    keeper->flush();
+    std::filesystem::remove(drafts);
+    keeper.reset();
+    EXPECT_EQ(contentsOf(file), text);
+    keeper = start();
+  }
+}
+
+TEST_F(DraftKeeperTest, WithoutAThreadItWritesAllTheSame) {
+  const auto keeper = start();
+  const NoThreads noThreads;
+  for (const std::string text : {"one", "two"}) {
+    keeper->keep(text);
+    scheduler.advance(1s);
+    EXPECT_EQ(contentsOf(file), text);
+  }
 }
 
 TEST_F(DraftKeeperTest, WithoutADirectoryNothingIsKeptAndNothingFails) {

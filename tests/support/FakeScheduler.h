@@ -17,6 +17,9 @@ class FakeScheduler final : public Scheduler {
     m_waiting.push_back({m_now + delay, context, std::move(work)});
   }
 
+  /// Whether nothing is to be done later.
+  [[nodiscard]] bool isIdle() const { return m_waiting.empty(); }
+
   /// Lets the time pass and runs, in order, what falls due.
   void advance(std::chrono::milliseconds time) {
     const auto end = m_now + time;
