@@ -71,6 +71,9 @@ class AudioEngine::Session final : public MainThreadMail::Sender,
   void listen();
   void probe();
 
+  // Instead of one of the two.
+  void fail(const AudioError& error);
+
  private:
   [[nodiscard]] std::expected<void, AudioError>
   use(const std::function<std::expected<void, AudioError>(AudioInput&)>& use);
@@ -142,6 +145,10 @@ void AudioEngine::Session::probe() {
   post([&](News& news) { news.outcome = std::move(outcome); });
 }
 
+void AudioEngine::Session::fail(const AudioError& error) {
+  post([&](News& news) { news.outcome = std::unexpected(error); });
+}
+
 void AudioEngine::Session::hear(AudioFrames frames) {
   {
     const std::lock_guard lock(m_mutex);
@@ -196,14 +203,19 @@ void AudioEngine::start(Events events) {
   stop();
   m_session = std::make_shared<Session>(m_backend, m_mail, m_tap);
   m_session->setEvents(std::move(events));
-  m_audioThread.run([session = m_session] { session->listen(); });
+  run(&Session::listen);
 }
 
 void AudioEngine::probe(Answer answer) {
   stop();
   m_session = std::make_shared<Session>(m_backend, m_mail, nullptr);
   m_session->setAnswer(std::move(answer));
-  m_audioThread.run([session = m_session] { session->probe(); });
+  run(&Session::probe);
+}
+
+void AudioEngine::run(void (Session::*job)()) {
+  if (const auto begun = m_audioThread.run([session = m_session, job] { (*session.*job)(); }); !begun)
+    m_session->fail({AudioFault::notStarted, begun.error().message});
 }
 
 void AudioEngine::stop() {

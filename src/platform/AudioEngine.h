@@ -48,6 +48,8 @@ class AudioEngine {
  private:
   class Session;
 
+  void run(void (Session::*job)());
+
   SpeechBackend& m_backend;
   JobThread& m_audioThread;
   MainThreadMail& m_mail;

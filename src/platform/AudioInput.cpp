@@ -19,6 +19,7 @@ Error describe(const AudioError& error) {
   case AudioFault::noFrames:
     return {"The microphone sends no sound. Check it and try again."};
   case AudioFault::notInstalled:
+  case AudioFault::notStarted:
     return {error.detail};
   case AudioFault::other:
     break;

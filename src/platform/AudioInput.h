@@ -28,6 +28,8 @@ enum class AudioFault {
   noFrames,
   /// A part of the program is missing; `detail` is a sentence.
   notInstalled,
+  /// Nothing was tried; `detail` is a sentence.
+  notStarted,
   other,
 };
 

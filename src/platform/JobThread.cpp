@@ -1,5 +1,6 @@
 #include "platform/JobThread.h"
 
+#include <system_error>
 #include <utility>
 
 namespace notlet {
@@ -14,15 +15,23 @@ JobThread::~JobThread() {
     m_thread.join();
 }
 
-void JobThread::run(std::function<void()> job) {
+Result<void> JobThread::run(std::function<void()> job) {
   {
     const std::lock_guard lock(m_mutex);
     m_jobs.push_back(std::move(job));
     if (std::exchange(m_isWorking, true))
-      return;
+      return {};
   }
   // The earlier thread, if any, has nothing left to do but end: waiting for it takes no time.
-  m_thread = std::jthread([this] { work(); });
+  try {
+    m_thread = std::jthread([this] { work(); });
+  } catch (const std::system_error&) {
+    const std::lock_guard lock(m_mutex);
+    m_jobs.clear();
+    m_isWorking = false;
+    return failure("The computer runs as many tasks as it can. Close some programs and try again.");
+  }
+  return {};
 }
 
 void JobThread::work() {

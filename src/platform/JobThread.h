@@ -5,6 +5,8 @@
 #include <mutex>
 #include <thread>
 
+#include "core/Error.h"
+
 namespace notlet {
 
 /// Runs one job after the other away from the main thread. The thread begins with the first job and ends with
@@ -17,8 +19,9 @@ class JobThread {
   /// Waits for the job at hand; those that have not begun are dropped.
   ~JobThread();
 
-  /// Called from one thread.
-  void run(std::function<void()> job);
+  /// Called from one thread. Fails, with a sentence and without running the job, when the system refuses a
+  /// thread.
+  [[nodiscard]] Result<void> run(std::function<void()> job);
 
  private:
   void work();

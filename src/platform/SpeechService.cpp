@@ -54,19 +54,19 @@ std::shared_ptr<SpeechRecognitionTask> SpeechService::begin(const std::string& l
   auto task = std::make_shared<SpeechRecognitionTask>(model.value_or(SpeechModel{}), std::move(request),
                                                       std::move(handler), [this] { unloadLater(); });
   m_current = task;
-  if (model)
-    m_engineThread.run([this, task] { recognize(*task); });
-  else
-    task->report(
-        {.error = found ? Error{"There is no speech recognition for this language."} : found.error()},
-        m_mail);
+  const Result<void> begun = model   ? m_engineThread.run([this, task] { recognize(*task); })
+                             : found ? failure("There is no speech recognition for this language.")
+                                     : std::unexpected(found.error());
+  if (!begun)
+    task->report({.error = begun.error()}, m_mail);
   return task;
 }
 
 void SpeechService::unloadLater() {
   m_scheduler.after(idleTime, this, [this, dictations = m_dictations] {
-    if (dictations == m_dictations)
-      m_engineThread.run([this] { unload(); });
+    // Without a thread nobody else has the engine.
+    if (dictations == m_dictations && !m_engineThread.run([this] { unload(); }))
+      unload();
   });
 }
 

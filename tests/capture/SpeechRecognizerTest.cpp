@@ -8,12 +8,14 @@
 
 #include "support/FakeScheduler.h"
 #include "support/FakeSpeechBackend.h"
+#include "support/NoThreads.h"
 
 namespace notlet {
 namespace {
 
 using Script = FakeSpeechBackend::Script;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr const char* unavailable = "Speech recognition is currently unavailable. Try again later.";
@@ -190,6 +192,17 @@ TEST_F(SpeechRecognizerTest, MicrophoneThatDoesNotOpenIsTheOutcome) {
   EXPECT_THAT(failures, IsEmpty()) << "told twice";
 
   backend.with([](Script& script) { script.fault.reset(); });
+  startAndWait();
+  sayAndWaitFor("and");
+}
+
+TEST_F(SpeechRecognizerTest, WithoutThreadsItSaysSoAndIsTriedAgainNextTime) {
+  {
+    const NoThreads noThreads;
+    composer.start(*recognizer);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !composer.outcomes.empty(); }));
+  }
+  EXPECT_THAT(composer.outcomes, ElementsAre(HasSubstr("as many tasks as it can")));
   startAndWait();
   sayAndWaitFor("and");
 }
