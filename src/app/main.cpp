@@ -8,6 +8,7 @@
 #include "platform/InstanceSocket.h"
 #include "platform/LaunchRequest.h"
 #include "platform/linux/BusApplication.h"
+#include "platform/linux/MissingDisplay.h"
 #include "platform/linux/PlatformChoice.h"
 #include "platform/linux/SingleInstance.h"
 #include "platform/linux/SuddenExit.h"
@@ -59,6 +60,20 @@ Result<std::optional<LaunchRequest>> requestFrom(QCommandLineParser& parser, con
   return request;
 }
 
+void nameProgram() {
+  QApplication::setApplicationName(QStringLiteral("Notlet"));
+  QApplication::setApplicationVersion(QStringLiteral(NOTLET_VERSION));
+  QApplication::setDesktopFileName(QStringLiteral("org.notlet.Notlet"));
+}
+
+/// Prints help or version, which needs no display.
+int tellOfProgram(int argc, char** argv) {
+  const QCoreApplication application(argc, argv);
+  QCommandLineParser parser;
+  const auto request = requestFrom(parser, {}); // Ends the program, unless something is wrong.
+  return request ? 0 : report(request.error().message, 2);
+}
+
 } // namespace
 } // namespace notlet
 
@@ -68,6 +83,9 @@ int main(int argc, char** argv) {
   TerminationSignals::block();
   // Qt takes some of it out of the environment; nothing of it is for the programs that this one starts.
   const std::string token = activationTokenFromEnvironment();
+  nameProgram();
+  if (asksForText(argc, argv))
+    return tellOfProgram(argc, argv);
   const auto platform = choosePlatform(PlatformWishes::of(argc, argv));
   if (!platform)
     return report(platform.error().message, 1);
@@ -78,13 +96,12 @@ int main(int argc, char** argv) {
   if (!name.empty())
     arguments.insert(arguments.begin() + 1, {option.data(), name.data()});
   int argumentCount = static_cast<int>(arguments.size()) - 1;
+  std::optional<MissingDisplay> endsWithoutDisplay(std::in_place);
   QApplication application(argumentCount, arguments.data());
+  endsWithoutDisplay.reset();
   qunsetenv("XDG_ACTIVATION_TOKEN");
   qunsetenv("DESKTOP_STARTUP_ID");
   const TerminationSignals signals;
-  QApplication::setApplicationName(QStringLiteral("Notlet"));
-  QApplication::setApplicationVersion(QStringLiteral(NOTLET_VERSION));
-  QApplication::setDesktopFileName(QStringLiteral("org.notlet.Notlet"));
   QApplication::setQuitOnLastWindowClosed(false);
 
   QCommandLineParser parser;

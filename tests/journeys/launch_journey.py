@@ -108,6 +108,16 @@ class LaunchJourney(Journey):
             self.assertRegex(message, f"^notlet-desktop: .*{complaint}.*\n$")
         self.assertFalse(self.running())
 
+    def test_without_a_display_it_says_so_in_a_sentence_and_still_tells_of_itself(self):
+        for platform in ("", "xcb"):
+            for display in ("", ":4711"):
+                without = {"DISPLAY": display, "QT_QPA_PLATFORM": platform}
+                status, message = self.desktop_program(**without)
+                self.assertEqual(status, 1)
+                self.assertRegex(message, f"^notlet-desktop: .*{display}.*[.]\n$")
+                for option in ("--help", "--version", "-v"):
+                    self.assertEqual(self.desktop_program(option, **without), (0, ""))
+
     def test_hostile_bytes_leave_the_draft_alone(self):
         self.open()
         self.desktop.type("precious")

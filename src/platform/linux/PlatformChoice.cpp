@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <algorithm>
+#include <array>
 #include <span>
 #include <string_view>
 
@@ -41,6 +42,18 @@ PlatformWishes PlatformWishes::of(int argumentCount, const char* const* argument
     wishes.isChosen |= namesPlatform(argument);
   }
   return wishes;
+}
+
+bool asksForText(int argumentCount, const char* const* arguments) {
+  constexpr auto options =
+      std::to_array<std::string_view>({"-h", "-?", "--help", "--help-all", "-v", "--version"});
+  for (const std::string_view argument : std::span(arguments, static_cast<std::size_t>(argumentCount))) {
+    if (argument == "--")
+      return false;
+    if (std::ranges::find(options, argument) != options.end())
+      return true;
+  }
+  return false;
 }
 
 Result<std::string> choosePlatform(const PlatformWishes& wishes) {

@@ -23,6 +23,10 @@ struct PlatformWishes {
   [[nodiscard]] static PlatformWishes of(int argumentCount, const char* const* arguments);
 };
 
+/// Whether the command line asks for no more than a text: help or the version. The arguments may begin with
+/// the program's name.
+[[nodiscard]] bool asksForText(int argumentCount, const char* const* arguments);
+
 /// The name of the Qt platform to run on; an empty name leaves it to Qt. Where there is a choice it is X11,
 /// even inside a Wayland session, because a Wayland compositor lets no program place its windows or keep them
 /// above others. Fails with a whole sentence (UTF-8) when what is asked for is not there.
