@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <tuple>
-#include <unordered_set>
 
 namespace notlet {
 namespace {
@@ -15,22 +13,64 @@ constexpr std::size_t firstPage = 200;
 constexpr std::size_t largestPage = 4096;
 /// With what it takes to put the notlets into the list, a slice stays below four milliseconds.
 constexpr auto sliceReading = 1500us;
-constexpr auto busyPause = 100ms;
-constexpr std::size_t changesAtOnce = 500;
-constexpr std::size_t comparedAtOnce = 2000;
+constexpr auto pauseBeforeDisk = 2s;
 
 } // namespace
 
 ModelContext::ModelContext(std::unique_ptr<NotletDatabase> database, QObject* parent)
-    : QObject(parent), m_database(std::move(database)), m_watch(m_database->file()) {
+    : ModelContext(database->file(), database->access(), std::move(database), parent) {
+}
+
+ModelContext::ModelContext(const std::filesystem::path& file, Access access, QObject* parent)
+    : ModelContext(file, access, nullptr, parent) {
+}
+
+ModelContext::ModelContext(const std::filesystem::path& file, Access access,
+                           std::unique_ptr<NotletDatabase>&& database, QObject* parent)
+    : QObject(parent), m_file(file), m_access(access), m_database(std::move(database)), m_watch(file) {
   for (QTimer* timer : {&m_loadTimer, &m_followTimer})
     timer->setSingleShot(true);
   connect(&m_loadTimer, &QTimer::timeout, this, &ModelContext::loadSlice);
   connect(&m_followTimer, &QTimer::timeout, this, &ModelContext::followStore);
   connect(&m_watch, &StoreWatch::touched, this, &ModelContext::followStore);
+  const OpeningTerms unhurried;
+  if (const StoreResult<void> opened = openStore(unhurried.patience); !opened) {
+    handle(opened.error(), m_loadTimer);
+    return;
+  }
+  m_database->setReadPatience(unhurried.patience);
   loadSlice();
   // From now on the event loop waits for nobody.
   m_database->setReadPatience(0ms);
+}
+
+/// Sees to it that the store is open: the first time, and when another file has come into its place. The list
+/// then becomes what that one holds, and what is not saved yet stays so.
+StoreResult<void> ModelContext::openStore(std::chrono::milliseconds patience) {
+  if (m_database && m_database->isInPlace())
+    return {};
+  const bool isFirst = m_database == nullptr;
+  // A store that got lost is not to look like one that was emptied.
+  auto opened = NotletDatabase::open(m_file, m_access, {.createsMissing = isFirst, .patience = patience});
+  if (!opened && !isFirst && opened.error().kind == StoreError::Kind::Missing)
+    opened.error().message =
+        "The notlet store “" + m_file.string() +
+        "” is no longer there. Put it back, and Notlet goes on with it; or quit Notlet and "
+        "start it again, which makes a new and empty one.";
+  if (!opened) {
+    m_obstacle = opened.error();
+    return std::unexpected(opened.error());
+  }
+  m_database = std::move(*opened);
+  m_database->setReadPatience(0ms);
+  m_obstacle.reset();
+  m_failure.reset();
+  m_watch.restart();
+  if (isFirst)
+    Q_EMIT hasOpened();
+  else
+    readAnew();
+  return {};
 }
 
 void ModelContext::insert(NotletEntry entry) {
@@ -62,8 +102,6 @@ void ModelContext::remove(const Uuid& id) {
 }
 
 Result<void> ModelContext::save() {
-  if (m_failure && m_failure->kind == StoreError::Kind::Damaged)
-    return std::unexpected(static_cast<const Error&>(*m_failure));
   ChangeSet changes;
   for (const auto& [id, stored] : m_stored) {
     if (const NotletEntry* entry = find(id))
@@ -74,6 +112,10 @@ Result<void> ModelContext::save() {
   if (changes.upserts.empty() && changes.deletions.empty())
     return {};
 
+  if (const StoreResult<void> opened = openStore(OpeningTerms().patience); !opened)
+    return std::unexpected(static_cast<const Error&>(opened.error()));
+  if (m_failure && m_failure->kind == StoreError::Kind::Damaged)
+    return std::unexpected(static_cast<const Error&>(*m_failure));
   const StoreResult<std::int64_t> revisionBefore = m_database->apply(changes);
   if (!revisionBefore) {
     // Whatever happened to the disk, the list is to show what is in the store.
@@ -196,6 +238,10 @@ StoreResult<void> ModelContext::beginLoading() {
 }
 
 void ModelContext::loadSlice() {
+  if (!m_database) {
+    if (const StoreResult<void> opened = openStore(0ms); !opened)
+      return handle(opened.error(), m_loadTimer);
+  }
   if (!m_hasBegun) {
     if (const StoreResult<void> begun = beginLoading(); !begun)
       return handle(begun.error(), m_loadTimer);
@@ -224,129 +270,11 @@ void ModelContext::finishLoading() {
     m_followTimer.start(0);
 }
 
-void ModelContext::followStore() {
-  if (!m_hasBegun || m_failure)
-    return;
-  const StoreResult<std::int64_t> version = m_database->dataVersion();
-  if (!version)
-    return handle(version.error(), m_followTimer);
-  if (m_seenVersion != *version) {
-    m_mayMissDeletions = true;
-    m_comparison = {};
-    if (const StoreResult<void> followed = followChanges(); !followed)
-      return handle(followed.error(), m_followTimer);
-    if (m_followTimer.isActive())
-      return;
-    m_seenVersion = *version;
-  }
-  // Until all are loaded, which are gone cannot be told from their number.
-  if (!m_mayMissDeletions || !m_isComplete)
-    return;
-  if (const StoreResult<void> followed = followDeletions(); !followed)
-    handle(followed.error(), m_followTimer);
-}
-
-StoreResult<void> ModelContext::followChanges() {
-  StoreResult<std::vector<StoredNotlet>> changed = m_database->changedSince(m_seenRevision, changesAtOnce);
-  if (!changed)
-    return std::unexpected(changed.error());
-  if (changed->empty())
-    return {};
-  m_seenRevision = changed->back().revision;
-  if (changed->size() == changesAtOnce)
-    m_followTimer.start(0);
-  // An older one than all that are loaded may come in, too; its page will find it there.
-  std::vector<NotletEntry> entries;
-  for (StoredNotlet& stored : *changed)
-    entries.push_back(std::move(stored.entry));
-  std::ranges::sort(entries, listedBefore);
-  adopt(std::move(entries), ListChange::Kind::Inserted);
-  return {};
-}
-
-std::size_t ModelContext::storedCount() const {
-  std::size_t count = size();
-  for (const auto& [id, stored] : m_stored) {
-    if (stored && !find(id))
-      ++count;
-    else if (!stored && find(id))
-      --count;
-  }
-  return count;
-}
-
-/// Finds what others have deleted, which only its absence tells.
-StoreResult<void> ModelContext::followDeletions() {
-  if (!m_comparison.isUnderWay) {
-    const StoreResult<std::size_t> count = m_database->count();
-    if (!count)
-      return std::unexpected(count.error());
-    m_comparison = {true, storedCount() - std::min(*count, storedCount()), std::nullopt};
-    if (const StoreResult<void> compared = compareUnsaved(); !compared)
-      return compared;
-  }
-  if (m_comparison.missing > 0) {
-    if (const StoreResult<void> compared = compareSlice(); !compared)
-      return compared;
-  }
-  m_mayMissDeletions = m_comparison.missing > 0;
-  if (m_mayMissDeletions)
-    m_followTimer.start(0);
-  else
-    m_comparison = {};
-  return {};
-}
-
-StoreResult<void> ModelContext::compareUnsaved() {
-  for (auto& [id, stored] : m_stored) {
-    if (!stored || m_comparison.missing == 0)
-      continue;
-    const StoreResult<std::optional<NotletEntry>> found = m_database->find(id);
-    if (!found)
-      return std::unexpected(found.error());
-    if (found->has_value())
-      continue;
-    stored.reset();
-    --m_comparison.missing;
-  }
-  std::erase_if(m_stored, [&](const auto& unsaved) { return !unsaved.second && !find(unsaved.first); });
-  return {};
-}
-
-/// Compares a part of the list with the same part of the store.
-StoreResult<void> ModelContext::compareSlice() {
-  const std::optional<ListPosition> after = m_comparison.comparedUpTo;
-  const StoreResult<std::vector<ListPosition>> stored = m_database->positions(comparedAtOnce, after);
-  if (!stored)
-    return std::unexpected(stored.error());
-  const bool isLast = stored->size() < comparedAtOnce;
-  std::unordered_set<Uuid> present;
-  for (const ListPosition& position : *stored)
-    present.insert(position.id);
-  const auto lies = [](const NotletEntry& entry, const ListPosition& position) {
-    return std::tie(position.createdAt, position.id) <=> std::tie(entry.createdAt, entry.id);
-  };
-  std::vector<Uuid> gone;
-  for (std::size_t index = after ? m_list.placeOf(after->createdAt, after->id) : 0; index < size(); ++index) {
-    const NotletEntry& entry = at(index);
-    if (after && lies(entry, *after) == 0)
-      continue;
-    if (!isLast && lies(entry, stored->back()) > 0)
-      break;
-    if (!m_stored.contains(entry.id) && !present.contains(entry.id))
-      gone.push_back(entry.id);
-  }
-  m_comparison.missing = isLast ? 0 : m_comparison.missing - std::min(m_comparison.missing, gone.size());
-  if (!isLast)
-    m_comparison.comparedUpTo = stored->back();
-  for (const Uuid& id : gone)
-    drop(id);
-  return {};
-}
-
 void ModelContext::handle(const StoreError& error, QTimer& retry) {
   if (error.kind == StoreError::Kind::Busy)
     retry.start(busyPause);
+  else if (error.kind == StoreError::Kind::Unreachable && !m_database)
+    retry.start(pauseBeforeDisk);
   else
     fail(error);
 }

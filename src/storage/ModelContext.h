@@ -30,11 +30,16 @@ struct ListChange {
 ///
 /// The newest notlets are there at once; the others follow in short slices while the event loop runs. What
 /// another process writes appears by itself. Where both have changed a notlet, the unsaved change stands.
+///
+/// A store that cannot be opened yet is opened as soon as it can be, and one that was replaced is opened
+/// anew: the list becomes what it holds. One that is gone is not made again.
 class ModelContext : public QObject {
   Q_OBJECT
 
  public:
   explicit ModelContext(std::unique_ptr<NotletDatabase> database, QObject* parent = nullptr);
+  /// Opens the store itself; with write access a missing one is created.
+  ModelContext(const std::filesystem::path& file, Access access, QObject* parent = nullptr);
 
   [[nodiscard]] std::size_t size() const { return m_list.size(); }
   /// Index 0 is the newest. The notlet stays at its address until it is removed.
@@ -46,7 +51,11 @@ class ModelContext : public QObject {
   /// The hashtags of the notlets in the list.
   [[nodiscard]] const HashtagTallies& tallies() const { return m_tallies; }
   [[nodiscard]] bool hasUnsavedChanges() const { return !m_stored.empty(); }
-  /// Why the store cannot be read any further, if that is so.
+  /// Whether the store has been opened. Until then the list is empty and nothing can be saved.
+  [[nodiscard]] bool isOpen() const { return m_database != nullptr; }
+  /// Why the last try to open what is at the store's place failed, until one succeeds.
+  [[nodiscard]] const std::optional<StoreError>& obstacle() const { return m_obstacle; }
+  /// Why the store cannot be read any further, if that is so; not what may pass.
   [[nodiscard]] const std::optional<StoreError>& failure() const { return m_failure; }
 
   /// Adds a notlet, or replaces the one with its identifier.
@@ -62,6 +71,8 @@ class ModelContext : public QObject {
   void rollback();
 
  Q_SIGNALS:
+  /// The store has been opened, after the first try failed.
+  void hasOpened();
   void listChanged(const notlet::ListChange& change);
   /// The list is complete from now on.
   void loadingFinished();
@@ -69,6 +80,11 @@ class ModelContext : public QObject {
   void storeFailed(const QString& message);
 
  private:
+  ModelContext(const std::filesystem::path& file, Access access, std::unique_ptr<NotletDatabase>&& database,
+               QObject* parent);
+
+  StoreResult<void> openStore(std::chrono::milliseconds patience);
+  void readAnew();
   StoreResult<void> beginLoading();
   void loadSlice();
   void finishLoading();
@@ -88,7 +104,13 @@ class ModelContext : public QObject {
   void assign(NotletEntry entry);
   void drop(const Uuid& id);
 
+  static constexpr std::chrono::milliseconds busyPause{100};
+
+  std::filesystem::path m_file;
+  Access m_access;
+  // None until the store could be opened.
   std::unique_ptr<NotletDatabase> m_database;
+  std::optional<StoreError> m_obstacle;
   NotletList m_list;
   HashtagTallies m_tallies;
   // What the store holds in place of each notlet with an unsaved change; nothing for a new one.

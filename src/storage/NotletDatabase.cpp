@@ -125,19 +125,19 @@ StoreResult<void> createStore(const std::filesystem::path& file) {
   if (const std::filesystem::path folder = file.parent_path();
       !folder.empty() && !std::filesystem::exists(folder, ignored)) {
     if (Result<void> made = makePrivateDirectory(folder); !made)
-      return std::unexpected(StoreError(Kind::Other, made.error().message));
+      return std::unexpected(StoreError(Kind::Unreachable, made.error().message));
   }
   if (Result<bool> created = createDurably(file, *contents); !created)
-    return std::unexpected(StoreError(Kind::Other, created.error().message));
+    return std::unexpected(StoreError(Kind::Unreachable, created.error().message));
   return {};
 }
 
 } // namespace
 
 StoreResult<std::unique_ptr<NotletDatabase>> NotletDatabase::open(const std::filesystem::path& file,
-                                                                  Access access) {
+                                                                  Access access, const OpeningTerms& terms) {
   StoreResult<bool> exists = storeFileExists(file, access);
-  if (exists && !*exists && access == Access::ReadWrite) {
+  if (exists && !*exists && access == Access::ReadWrite && terms.createsMissing) {
     if (StoreResult<void> created = createStore(file); !created)
       return std::unexpected(created.error());
     exists = storeFileExists(file, access);
@@ -155,6 +155,7 @@ StoreResult<std::unique_ptr<NotletDatabase>> NotletDatabase::open(const std::fil
     return std::unexpected(connection.error());
   if (StoreResult<void> header = checkStoreHeader(*connection); !header)
     return std::unexpected(header.error());
+  connection->setPatience(terms.patience);
   std::unique_ptr<NotletDatabase> database(new NotletDatabase(std::move(*connection), access));
   for (const auto check : {&NotletDatabase::prepareConnection, &NotletDatabase::checkSchema,
                            &NotletDatabase::checkSize, &NotletDatabase::checkContents}) {
@@ -165,11 +166,11 @@ StoreResult<std::unique_ptr<NotletDatabase>> NotletDatabase::open(const std::fil
     if (StoreResult<void> closed = database->m_connection.execute("PRAGMA query_only=ON"); !closed)
       return std::unexpected(closed.error());
   }
+  database->setReadPatience(savePatience);
   return database;
 }
 
 StoreResult<void> NotletDatabase::prepareConnection() {
-  m_connection.setPatience(savePatience);
   sqlite3* handle = m_connection.handle();
   if (m_access == Access::ReadWrite && sqlite3_db_readonly(handle, "main") != 0)
     return std::unexpected(m_connection.error(Kind::Other, "is read-only"));
@@ -269,7 +270,7 @@ StoreResult<std::int64_t> NotletDatabase::apply(const ChangeSet& changes) {
     return std::unexpected(m_connection.error(Kind::Other, "was opened for reading only"));
   if (m_isDamaged)
     return std::unexpected(m_connection.error(Kind::Damaged, "is damaged and is not written any more"));
-  if (!m_connection.isInPlace())
+  if (!isInPlace())
     return std::unexpected(
         m_connection.error(Kind::Moved, "was moved, replaced or deleted while it was open"));
 

@@ -18,6 +18,14 @@ namespace notlet {
 /// Whether the store may be written.
 enum class Access { ReadOnly, ReadWrite };
 
+/// What is asked of an opening beside its access.
+struct OpeningTerms {
+  /// With write access a missing file is created (0600) together with its folder (0700).
+  bool createsMissing = true;
+  /// How long each step waits while another program writes.
+  std::chrono::milliseconds patience{250};
+};
+
 /// What one save writes. The entries must live until it is done.
 struct ChangeSet {
   std::vector<const NotletEntry*> upserts;
@@ -44,11 +52,13 @@ struct StoredNotlet {
 /// thread.
 class NotletDatabase {
  public:
-  /// Opens the store. With write access a missing file is created (0600) together with its folder (0700).
-  [[nodiscard]] static StoreResult<std::unique_ptr<NotletDatabase>> open(const std::filesystem::path& file,
-                                                                         Access access);
+  [[nodiscard]] static StoreResult<std::unique_ptr<NotletDatabase>>
+  open(const std::filesystem::path& file, Access access, const OpeningTerms& terms = {});
 
   [[nodiscard]] const std::filesystem::path& file() const { return m_connection.file(); }
+  [[nodiscard]] Access access() const { return m_access; }
+  /// True unless the file was moved, replaced or deleted since it was opened.
+  [[nodiscard]] bool isInPlace() const { return m_connection.isInPlace(); }
 
   /// Stores all changes or none and gives the revision before the first of them: nobody else wrote in between
   /// when that is the last one known. An entry is known by its id, so a repeated one is stored once.

@@ -18,6 +18,8 @@ struct StoreError : Error {
     Moved,
     /// There is no file.
     Missing,
+    /// The way to the file does not exist or may not be gone now, as with a disk that is not there yet.
+    Unreachable,
     Other,
   };
 

@@ -42,7 +42,7 @@ StoreResult<bool> storeFileExists(const fs::path& file, Access access) {
   struct stat status{};
   if (::stat(file.c_str(), &status) != 0) {
     if (errno != ENOENT)
-      return refusal(file, "cannot be opened: " + reasonOf(errno));
+      return refusal(file, "cannot be opened: " + reasonOf(errno), Kind::Unreachable);
     std::error_code ignored;
     if (fs::is_symlink(file, ignored))
       return refusal(file, "is a link to a file that does not exist");

@@ -22,6 +22,12 @@ StoreWatch::StoreWatch(const std::filesystem::path& store, QObject* parent) : QO
   watchAll();
 }
 
+void StoreWatch::restart() {
+  if (const QStringList watched = m_watcher.files() + m_watcher.directories(); !watched.isEmpty())
+    m_watcher.removePaths(watched);
+  watchAll();
+}
+
 void StoreWatch::notice() {
   watchAll();
   if (!m_pause.isActive())

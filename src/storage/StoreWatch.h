@@ -14,6 +14,9 @@ class StoreWatch : public QObject {
  public:
   explicit StoreWatch(const std::filesystem::path& store, QObject* parent = nullptr);
 
+  /// Looks at what is at the store's place now, be it other files and folders than before.
+  void restart();
+
  Q_SIGNALS:
   /// Once for the many writes of one save.
   void touched();

@@ -275,6 +275,116 @@ TEST_F(ModelContextTest, aLockedStoreIsReadWhenItIsFree) {
   expectAgreesWithStore(context);
 }
 
+TEST_F(ModelContextTest, aStoreThatCannotBeOpenedYetIsOpenedWhenItCan) {
+  const auto expectOpensAfter = [&](const char* reason, const std::function<void()>& mend) {
+    ModelContext context(store(), Access::ReadWrite);
+    const QSignalSpy failed(&context, &ModelContext::storeFailed);
+    context.insert(notletAt(5000));
+    const Result<void> saved = context.save();
+    ASSERT_FALSE(saved);
+    EXPECT_THAT(saved.error().message, testing::HasSubstr(reason));
+    EXPECT_EQ(context.obstacle()->message, saved.error().message);
+    mend();
+    EXPECT_TRUE(waitFor([&] { return context.isOpen() && context.isComplete(); }));
+    EXPECT_EQ(failed.count(), 0);
+    EXPECT_FALSE(context.obstacle());
+    EXPECT_TRUE(context.save());
+    expectAgreesWithStore(context);
+  };
+  fill(300);
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open(store().c_str(), &other), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+  expectOpensAfter("in use by another program", [&] { sqlite3_close(other); });
+  // As where a disk is still to be mounted.
+  const std::filesystem::path place = folder();
+  const std::filesystem::path away = place.string() + "-away";
+  std::filesystem::rename(place, away);
+  std::ofstream(place) << "in the way";
+  expectOpensAfter("Not a directory", [&] {
+    std::filesystem::remove(place);
+    std::filesystem::rename(away, place);
+  });
+}
+
+class ReplacedStoreTest : public ModelContextTest {
+ protected:
+  void SetUp() override {
+    m_old = fill(300);
+    std::filesystem::copy_file(store(), m_backup);
+    storeElsewhere({m_late}, {m_old[5].id});
+    m_context = open();
+    ASSERT_TRUE(waitFor([&] { return m_context->isComplete(); }));
+  }
+
+  const std::filesystem::path m_backup = folder() / "backup";
+  const NotletEntry m_late = notletAt(900);
+  std::vector<NotletEntry> m_old;
+  std::unique_ptr<ModelContext> m_context;
+};
+
+TEST_F(ReplacedStoreTest, theListBecomesWhatIsThereNow) {
+  namespace fs = std::filesystem;
+  const Mirror mirror(*m_context);
+  NotletEntry edited = m_old[7];
+  edited.content = "not saved yet";
+  m_context->replace(edited);
+  const auto putAside = [&](const fs::path& what) { fs::rename(what, folder().string() + "-aside"); };
+  for (const auto& [name, restore] : std::initializer_list<std::pair<const char*, std::function<void()>>>{
+           {"by another file",
+            [&] { fs::copy_file(m_backup, folder() / "new"), fs::rename(folder() / "new", store()); }},
+           {"in place", [&] { fs::copy_file(m_backup, store(), fs::copy_options::overwrite_existing); }},
+           {"after a while",
+            [&] {
+              fs::remove(store());
+              waitFor([] { return false; }, 100ms);
+              fs::copy_file(m_backup, store());
+            }},
+           {"with its folder", [&] {
+              putAside(folder());
+              fs::create_directory(folder());
+              fs::rename(folder().string() + "-aside/backup", store());
+              fs::remove_all(folder().string() + "-aside");
+            }}}) {
+    SCOPED_TRACE(name);
+    restore();
+    // A folder is not seen to change place; the next save finds out.
+    const bool isSeen = name != std::string("with its folder");
+    EXPECT_TRUE(isSeen || m_context->save());
+    EXPECT_TRUE(waitFor([&] { return m_context->find(m_old[5].id) && !m_context->find(m_late.id); }));
+    EXPECT_EQ(*m_context->find(edited.id), edited);
+    EXPECT_TRUE(m_context->save());
+    expectAgreesWithStore(*m_context);
+    EXPECT_EQ(m_context->size(), 300);
+    storeElsewhere({m_late}, {m_old[5].id});
+    EXPECT_TRUE(waitFor([&] { return m_context->find(m_late.id) && !m_context->find(m_old[5].id); }));
+    edited.content = name;
+    m_context->replace(edited);
+  }
+}
+
+TEST_F(ReplacedStoreTest, savingGoesIntoTheNewStoreAndNeverMakesOne) {
+  const NotletEntry typed = notletAt(1000, "typed");
+  m_context->insert(typed);
+  std::filesystem::remove(store());
+  for (const char* reason : {"is no longer there. Put it back", "another kind"}) {
+    const Result<void> saved = m_context->save();
+    ASSERT_FALSE(saved);
+    EXPECT_THAT(saved.error().message, testing::HasSubstr(store().string()));
+    EXPECT_THAT(saved.error().message, testing::HasSubstr(reason));
+    EXPECT_EQ(std::filesystem::exists(store()), reason == std::string("another kind"));
+    EXPECT_EQ(m_context->at(0), typed);
+    EXPECT_EQ(m_context->size(), 301);
+    std::ofstream(store()) << "something of another kind";
+  }
+  std::filesystem::rename(m_backup, store());
+  const Result<void> saved = m_context->save();
+  EXPECT_TRUE(saved) << saved.error().message;
+  EXPECT_TRUE(openStore()->find(typed.id).value());
+  EXPECT_TRUE(waitFor([&] { return !m_context->find(m_late.id); }));
+  expectAgreesWithStore(*m_context);
+}
+
 TEST_F(ModelContextTest, damageMetLaterIsToldAndEndsSaving) {
   std::vector<NotletEntry> entries;
   for (int number = 0; number < 3000; ++number)
