@@ -20,7 +20,7 @@ ArchiveBrowser::ArchiveBrowser(Surroundings surroundings, QObject* parent)
     : QObject(parent), m_surroundings(std::move(surroundings)), m_results(m_surroundings.index) {
   connect(&m_results, &ArchiveResults::changed, this, &ArchiveBrowser::resultsChanged);
   connect(&m_surroundings.index, &ArchiveIndex::listChanged, this, &ArchiveBrowser::followList);
-  connect(&list(), &ModelContext::loadingFinished, this, &ArchiveBrowser::changed);
+  connect(&m_results, &ArchiveResults::finished, this, &ArchiveBrowser::followEndOfSearch);
   connect(&m_surroundings.unsavedEdits, &UnsavedEdits::warningChanged, this, &ArchiveBrowser::changed);
   observeCommands();
 }
@@ -74,6 +74,7 @@ void ArchiveBrowser::update(const std::function<void(State&)>& change) {
   change(next);
   if (next == m_state)
     return;
+  next.awaitsLastResult = next.awaitsLastResult && !m_state.awaitsLastResult;
   const bool filterChanged =
       next.searchText != m_state.searchText || next.selectedTags != m_state.selectedTags;
   if (next.hashtagSearchQuery != m_state.hashtagSearchQuery)
@@ -249,6 +250,12 @@ void ArchiveBrowser::select(const Uuid& id) {
     state.searchFocused = false;
     state.selectedID = id;
   });
+}
+
+void ArchiveBrowser::followEndOfSearch() {
+  if (m_state.awaitsLastResult && knowsLastResult())
+    return moveVertically(-1);
+  Q_EMIT changed();
 }
 
 void ArchiveBrowser::followList() {

@@ -54,6 +54,8 @@ class ArchiveBrowser : public QObject {
     /// Why that failed, for whoever has to mend it.
     std::string saveFailureReason;
     MacArchiveKeyboardSection keyboardSection = MacArchiveKeyboardSection::results;
+    /// The last result is to be selected once it is known, unless the user does anything else before.
+    bool awaitsLastResult = false;
     /// An index into visibleHashtags(), maybe beyond its end.
     int activeHashtagIndex = 0;
     /// As typed while the keyboard was on the hashtags.
@@ -170,12 +172,14 @@ class ArchiveBrowser : public QObject {
   [[nodiscard]] ModelContext& list() const { return m_surroundings.index.modelContext(); }
 
   void followList();
+  void followEndOfSearch();
   void keepDraft(const Uuid& id, const std::string& draft) const;
   void closeEditor(State& state) const;
   void openEditor(const Uuid& id, std::string draft);
   void reportFailure(std::string message, const Error& error);
 
   void awaitNextResult();
+  [[nodiscard]] bool knowsLastResult() const;
   [[nodiscard]] std::optional<Uuid> firstResult() const;
   void moveDownFromSearch(State& state) const;
   void moveThroughResults(State& state, int delta) const;

@@ -20,6 +20,7 @@ void ArchiveBrowser::moveVertically(int delta) {
   awaitNextResult();
   update([&](State& state) {
     closeEditor(state);
+    state.awaitsLastResult = false;
     switch (state.keyboardSection) {
     case Section::results:
       return moveThroughResults(state, delta);
@@ -56,14 +57,22 @@ void ArchiveBrowser::moveDownFromSearch(State& state) const {
   state.selectedID = firstResult();
 }
 
+bool ArchiveBrowser::knowsLastResult() const {
+  return !isSearching() && (list().isComplete() || list().failure());
+}
+
 void ArchiveBrowser::moveThroughResults(State& state, int delta) const {
+  const auto selected = state.selectedID ? resultIndexOf(*state.selectedID) : std::nullopt;
+  if (!selected && delta < 0 && !knowsLastResult()) {
+    state.awaitsLastResult = true;
+    return;
+  }
   if (resultCount() == 0) {
     if (delta < 0)
       moveToSectionAboveResults(state);
     return;
   }
   const std::size_t last = resultCount() - 1;
-  const auto selected = state.selectedID ? resultIndexOf(*state.selectedID) : std::nullopt;
   if (!selected)
     state.selectedID = resultAt(delta >= 1 ? 0 : last).id;
   else if (delta < 0 && *selected == 0)

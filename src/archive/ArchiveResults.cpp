@@ -28,6 +28,8 @@ ArchiveResults::ArchiveResults(ArchiveIndex& index, QObject* parent) : QObject(p
   m_workTimer.setSingleShot(true);
   connect(&m_workTimer, &QTimer::timeout, this, &ArchiveResults::work);
   connect(&m_index, &ArchiveIndex::listChanged, this, &ArchiveResults::follow);
+  connect(&list(), &ModelContext::loadingFinished, this, &ArchiveResults::finishIfDone);
+  connect(&list(), &ModelContext::storeFailed, this, &ArchiveResults::finishIfDone);
 }
 
 std::size_t ArchiveResults::size() const {
@@ -90,8 +92,16 @@ void ArchiveResults::prepare() {
 void ArchiveResults::advance(std::chrono::microseconds time) {
   const Deadline deadline = after(time);
   const std::size_t before = m_found.size();
+  const bool wasUnsearched = hasUnsearched();
   if (const std::size_t added = search(deadline); added > 0)
     Q_EMIT changed({ListChange::Kind::Appended, before, added});
+  if (wasUnsearched)
+    finishIfDone();
+}
+
+void ArchiveResults::finishIfDone() {
+  if (!isSearching())
+    Q_EMIT finished();
 }
 
 void ArchiveResults::scheduleWork() {

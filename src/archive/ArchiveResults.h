@@ -38,6 +38,8 @@ class ArchiveResults : public QObject {
  Q_SIGNALS:
   /// Indexes are positions in the results. Reset: another filter; Appended: more was found.
   void changed(const notlet::ListChange& change);
+  /// The list is loaded and has been searched to its end, maybe without finding anything more.
+  void finished();
 
  private:
   using Deadline = ArchiveIndex::Deadline;
@@ -47,6 +49,7 @@ class ArchiveResults : public QObject {
   [[nodiscard]] bool hasUnsearched() const;
   [[nodiscard]] bool hasWork() const;
   void work();
+  void finishIfDone();
   void scheduleWork();
   [[nodiscard]] std::size_t search(Deadline deadline);
   [[nodiscard]] ModelContext& list() const { return m_index.modelContext(); }

@@ -124,6 +124,37 @@ TEST_F(ArchiveBrowserTest, TheKeyboardWalksThroughFieldHashtagsAndResults) {
   }
 }
 
+// The newest notlets are there at once, the others a moment later.
+TEST_F(ArchiveBrowserTest, UpSelectsTheLastResultOnceThatIsKnown) {
+  std::vector<NotletEntry> notlets;
+  for (int second = 0; second < 5000; ++second)
+    notlets.push_back(notletAt(second, "note " + std::to_string(second)));
+  storeElsewhere(notlets);
+  const struct {
+    const char* steps;
+    const char* selected;
+    Section section;
+  } cases[] = {
+      {"up", "note 0", Section::results},
+      {"up up", "note 0", Section::results},
+      {"up down", "note 4999", Section::results},
+      {"up click-1", "note 4998", Section::results},
+      {"search-49 up", "note 49", Section::results},
+      {"search-zzz up", "-", Section::hashtags},
+      {"up field turn", "-", Section::search},
+  };
+  for (const auto& [steps, selected, section] : cases) {
+    SCOPED_TRACE(steps);
+    start();
+    ASSERT_FALSE(context->isComplete());
+    play(steps);
+    EXPECT_NE(selectedText(), "note 4800") << "the last one so far";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return context->isComplete() && !browser->isSearching(); }));
+    EXPECT_EQ(selectedText(), selected);
+    EXPECT_EQ(state().keyboardSection, section);
+  }
+}
+
 TEST_F(ArchiveBrowserTest, WithoutHashtagsTheKeyboardSkipsTheirBar) {
   fill({"a", "b"});
   play("down up");

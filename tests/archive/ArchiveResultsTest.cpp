@@ -207,6 +207,7 @@ TEST_F(ArchiveResultsTest, TheNewestAreFoundFirstAndTheRestFollowsInOrder) {
   std::vector<ListChange> changes;
   QObject::connect(results.get(), &ArchiveResults::changed,
                    [&](const ListChange& change) { changes.push_back(change); });
+  const QSignalSpy ends(results.get(), &ArchiveResults::finished);
   narrow("note");
   ASSERT_EQ(changes.size(), 1U);
   EXPECT_EQ(changes[0].kind, ListChange::Kind::Reset);
@@ -222,6 +223,7 @@ TEST_F(ArchiveResultsTest, TheNewestAreFoundFirstAndTheRestFollowsInOrder) {
     known += change.count;
   }
   EXPECT_EQ(known, 30'000U);
+  EXPECT_EQ(ends.count(), 1);
 }
 
 TEST_F(ArchiveResultsTest, ANewQueryDropsTheSearchUnderWay) {
