@@ -137,6 +137,15 @@ xcb_window_t X11Client::showWindow(std::int16_t x, std::int16_t y, std::uint16_t
   return window;
 }
 
+void X11Client::takeKeyboard(xcb_window_t window) const {
+  xcb_set_input_focus(m_connection, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+  sync();
+}
+
+xcb_window_t X11Client::keyboardOwner() const {
+  return owned(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr))->focus;
+}
+
 void X11Client::noteUse(xcb_window_t window) const {
   const xcb_atom_t marker = atom("_NOTLET_TEST_TIME");
   xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, marker, XCB_ATOM_CARDINAL, 32, 0, nullptr);

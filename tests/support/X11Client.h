@@ -37,6 +37,9 @@ class X11Client {
   [[nodiscard]] xcb_window_t showWindow(std::int16_t x, std::int16_t y, std::uint16_t width,
                                         std::uint16_t height) const;
 
+  /// Gives the window the keyboard, as a program does where nobody manages windows.
+  void takeKeyboard(xcb_window_t window) const;
+  [[nodiscard]] xcb_window_t keyboardOwner() const;
   /// Tells the window manager, as toolkits do with each key, that the user is at work in the window.
   void noteUse(xcb_window_t window) const;
   [[nodiscard]] bool isShown(xcb_window_t window) const;

@@ -57,6 +57,11 @@ xcb_atom_t X11Connection::atom(std::string_view name) const {
   return atoms({&name, 1}).front();
 }
 
+std::optional<xcb_window_t> X11Connection::keyboardOwner() const {
+  const auto reply = owned(xcb_get_input_focus_reply(handle, xcb_get_input_focus(handle), nullptr));
+  return reply ? std::optional(reply->focus) : std::nullopt;
+}
+
 std::vector<std::uint32_t> X11Connection::property(xcb_window_t window, xcb_atom_t name,
                                                    xcb_atom_t type) const {
   constexpr std::uint32_t mostValues = 4096;

@@ -46,6 +46,9 @@ struct X11Connection {
   [[nodiscard]] std::vector<xcb_atom_t> atoms(std::span<const std::string_view> names) const;
   [[nodiscard]] xcb_atom_t atom(std::string_view name) const;
 
+  /// The window that typing goes to, or XCB_INPUT_FOCUS_POINTER_ROOT; nothing when the server does not say.
+  [[nodiscard]] std::optional<xcb_window_t> keyboardOwner() const;
+
   /// A property that is a list of 32-bit values; empty when it is absent or something else.
   [[nodiscard]] std::vector<std::uint32_t> property(xcb_window_t window, xcb_atom_t name,
                                                     xcb_atom_t type) const;

@@ -88,6 +88,9 @@ bool X11WindowSystem::nativeEventFilter(const QByteArray& type, void* message, q
   case XCB_MAP_NOTIFY:
     windowShown(static_cast<const xcb_map_notify_event_t*>(message)->window);
     break;
+  case XCB_UNMAP_NOTIFY:
+    giveKeyboardBack(static_cast<const xcb_unmap_notify_event_t*>(message)->window);
+    break;
   case XCB_FOCUS_IN:
     // After Qt has seen the event, too.
     QMetaObject::invokeMethod(this, &X11WindowSystem::followFocus, Qt::QueuedConnection);
@@ -124,7 +127,26 @@ void X11WindowSystem::activateAt(xcb_window_t window, xcb_timestamp_t time) {
     m_connection.sendToWindowManager(window, m_atoms.activeWindow,
                                      {sourceIsApplication, time, focusedWindow(), 0, 0});
   else
-    xcb_set_input_focus(m_connection.handle, XCB_INPUT_FOCUS_PARENT, window, time);
+    takeKeyboard(window, time);
+  xcb_flush(m_connection.handle);
+}
+
+void X11WindowSystem::takeKeyboard(xcb_window_t window, xcb_timestamp_t time) {
+  // The root window has it when one of ours has gone in the meantime.
+  if (const auto owner = m_connection.keyboardOwner(); owner && owner != window && owner != m_connection.root)
+    m_keyboardBefore[window] = *owner;
+  xcb_set_input_focus(m_connection.handle, XCB_INPUT_FOCUS_PARENT, window, time);
+}
+
+// The server leaves the keyboard to the root window, where nobody types.
+void X11WindowSystem::giveKeyboardBack(xcb_window_t window) {
+  const auto taken = m_keyboardBefore.extract(window);
+  if (taken.empty() || m_connection.keyboardOwner() != m_connection.root)
+    return;
+  // It may be gone by now, which is no error.
+  const auto asked = xcb_set_input_focus_checked(m_connection.handle, XCB_INPUT_FOCUS_PARENT, taken.mapped(),
+                                                 XCB_CURRENT_TIME);
+  xcb_discard_reply(m_connection.handle, asked.sequence);
   xcb_flush(m_connection.handle);
 }
 

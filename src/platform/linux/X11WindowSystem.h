@@ -3,6 +3,7 @@
 #include <QAbstractNativeEventFilter>
 #include <QPointer>
 #include <array>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,7 +30,8 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
 
   [[nodiscard]] bool hasCompositor() const override;
   /// The window gets the keyboard after the window manager has agreed. When nobody noted what time the user
-  /// acted at, it is now.
+  /// acted at, it is now. Without a window manager the keyboard goes back to where it was when the window
+  /// goes.
   void activate(WindowID id) override;
   void noteActivationToken(const std::string& token) override;
   void putOnAllWorkspaces(WindowID id) override;
@@ -55,6 +57,8 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
   void propertyChanged(const xcb_property_notify_event_t& change);
   void followFocus();
   void activateAt(xcb_window_t window, xcb_timestamp_t time);
+  void takeKeyboard(xcb_window_t window, xcb_timestamp_t time);
+  void giveKeyboardBack(xcb_window_t window);
   void hintAllWorkspaces(xcb_window_t window) const;
 
   X11Connection m_connection;
@@ -67,6 +71,8 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
   std::vector<QPointer<QWindow>> m_onAllWorkspaces;
   /// Windows that are to be activated when the server has told the time.
   std::vector<xcb_window_t> m_waitingForTime;
+  /// What had the keyboard before each of the windows that took it without a window manager.
+  std::map<xcb_window_t, xcb_window_t> m_keyboardBefore;
 };
 
 } // namespace notlet

@@ -161,11 +161,20 @@ TEST_F(X11WindowSystemTest, KnowsWhatTheWindowManagerCanDo) {
   EXPECT_EQ(windowCapabilities(), expected);
   ASSERT_TRUE(marker.catchUp());
 
-  window.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-  system->activate(window.winId());
-  EXPECT_TRUE(QTest::qWaitFor([&] { return window.isActiveWindow(); }));
-  window.hide();
+  // The keyboard goes back to where it was, be that a window or wherever the pointer is.
+  otherWindow = other.showWindow(100, 100, 300, 200);
+  for (const xcb_window_t before : {otherWindow, xcb_window_t{XCB_INPUT_FOCUS_POINTER_ROOT}}) {
+    other.takeKeyboard(before);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    for (int time = 0; time < 2; ++time) {
+      system->activate(window.winId());
+      EXPECT_TRUE(QTest::qWaitFor([&] { return other.keyboardOwner() == native(window); }));
+      EXPECT_TRUE(QTest::qWaitFor([&] { return window.isActiveWindow(); }));
+    }
+    window.hide();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return other.keyboardOwner() == before; }));
+  }
 
   testDisplay().startWindowManager();
   ASSERT_TRUE(marker.catchUp());
