@@ -50,7 +50,7 @@ usage: notlet VERB [OPTION...] [ARGUMENT...]
   open URL...           open links that begin with "notlet:"
   add [TEXT... | -]     store a note and print its id; without TEXT, or with "-", read standard input
   list                  list the notes, newest first
-  search QUERY...       list the notes that hold every word and carry every #hashtag of the query
+  search QUERY...       list the notes that hold every word, or the whole query, and carry every #hashtag
   show ID               print a note's text
   edit ID [TEXT... | -] give a note another text
   delete ID...          delete notes: all that are named, or none

@@ -4,6 +4,7 @@
 #include <span>
 
 #include "core/ByteSearch.h"
+#include "core/KeywordExtractor.h"
 #include "core/Text.h"
 
 namespace notlet {
@@ -39,16 +40,22 @@ struct FoldedNotlet {
     std::vector<std::string> tags;
     for (const std::string_view tag : notlet.hashtags)
       tags.push_back(folded(tag));
-    // A keyword that the text contains adds nothing to what is found: nearly all of them.
     std::vector<std::string> keywords;
-    for (const std::string_view keyword : notlet.keywords) {
-      std::string key = folded(keyword);
-      if (!containsCanonically(bytes, key))
-        keywords.push_back(std::move(key));
-    }
+    takeKeywords(notlet.keywords, keywords);
+    takeKeywords(KeywordExtractor::extractDottedKeywords(notlet.content), keywords);
     appendWords(bytes, tags, tagByte);
     appendWords(bytes, keywords, keywordByte);
     bytes.push_back(endByte);
+  }
+
+ private:
+  /// A keyword that the text contains adds nothing to what is found: nearly all of them.
+  void takeKeywords(const WordList& words, std::vector<std::string>& keywords) const {
+    for (const std::string_view word : words) {
+      std::string key = folded(word);
+      if (!containsCanonically(bytes, key))
+        keywords.push_back(std::move(key));
+    }
   }
 };
 
@@ -85,22 +92,23 @@ struct FoldedArchive::Needle {
   }
 };
 
-/// A query as the needles to look for. The longest comes first: it is the one that pages are scanned for, and
-/// only what holds it is looked at for the others.
-class FoldedArchive::Search {
+/// Needles that must all stand in a notlet. The longest comes first: it is the one that pages are scanned
+/// for, and only what holds it is looked at for the others.
+class FoldedArchive::Needles {
  public:
-  explicit Search(const SearchQuery& query) {
+  explicit Needles(const SearchQuery& query) {
     for (const std::string& tag : query.tags)
       m_needles.push_back({tagByte + tag + tagByte, Needle::Kind::Tag});
-    for (const std::string& term : query.terms)
-      m_needles.push_back({term, Needle::Kind::Term});
-    if (query.isPlainPhrase() && !query.matchesEverything())
-      m_needles.push_back({query.phrase, Needle::Kind::Phrase});
+  }
+
+  void add(const std::string& bytes, Needle::Kind kind) { m_needles.push_back({bytes, kind}); }
+
+  void sort() {
     std::ranges::stable_sort(m_needles, std::ranges::greater{},
                              [](const Needle& needle) { return needle.bytes.size(); });
   }
 
-  [[nodiscard]] bool finds(const Page& page, std::size_t index) const {
+  [[nodiscard]] bool stand(const Page& page, std::size_t index) const {
     return !page.isFree(index) && allStandIn(m_needles, page, index);
   }
 
@@ -145,6 +153,44 @@ class FoldedArchive::Search {
   }
 
   std::vector<Needle> m_needles;
+};
+
+/// The ways in which a notlet can match a query, at least one.
+class FoldedArchive::Search {
+ public:
+  explicit Search(const SearchQuery& query) {
+    if (!query.isPlainPhrase() || query.matchesEverything()) {
+      Needles& words = m_ways.emplace_back(query);
+      for (const std::string& term : query.terms)
+        words.add(term, Needle::Kind::Term);
+      words.sort();
+    }
+    // Mostly whatever holds the phrase holds all its words.
+    const auto isInPhrase = [&](const std::string& term) { return containsCanonically(query.phrase, term); };
+    if (!m_ways.empty() && std::ranges::all_of(query.terms, isInPhrase))
+      return;
+    Needles& whole = m_ways.emplace_back(query);
+    whole.add(query.phrase, Needle::Kind::Phrase);
+    whole.sort();
+  }
+
+  [[nodiscard]] bool finds(const Page& page, std::size_t index) const {
+    return std::ranges::any_of(m_ways, [&](const Needles& way) { return way.stand(page, index); });
+  }
+
+  /// Adds the matching indexes of [first, last), ascending, to `found`.
+  void scan(const Page& page, std::size_t first, std::size_t last, std::vector<std::size_t>& found) const {
+    const auto before = static_cast<std::ptrdiff_t>(found.size());
+    for (const Needles& way : m_ways) {
+      const auto middle = static_cast<std::ptrdiff_t>(found.size());
+      way.scan(page, first, last, [&](std::size_t index) { found.push_back(index); });
+      std::ranges::inplace_merge(found.begin() + before, found.begin() + middle, found.end());
+    }
+    found.erase(std::unique(found.begin() + before, found.end()), found.end());
+  }
+
+ private:
+  std::vector<Needles> m_ways;
 };
 
 std::size_t FoldedArchive::Page::beginOf(std::size_t index) const {
@@ -221,14 +267,17 @@ bool FoldedArchive::matches(Slot slot, const SearchQuery& query) const {
 std::vector<FoldedArchive::Slot> FoldedArchive::collect(const SearchQuery& query, Slot first,
                                                         Slot last) const {
   std::vector<Slot> found;
+  std::vector<std::size_t> inPage;
   const Search search(query);
   last = std::min(last, m_endSlot);
   while (first < last) {
     const Page& page = m_pages[first / slotsPerPage];
     const auto pageBegin = static_cast<Slot>(first - first % slotsPerPage);
     const Slot pageEnd = std::min<Slot>(last, pageBegin + slotsPerPage);
-    search.scan(page, first - pageBegin, pageEnd - pageBegin,
-                [&](std::size_t index) { found.push_back(pageBegin + static_cast<Slot>(index)); });
+    inPage.clear();
+    search.scan(page, first - pageBegin, pageEnd - pageBegin, inPage);
+    for (const std::size_t index : inPage)
+      found.push_back(pageBegin + static_cast<Slot>(index));
     first = pageEnd;
   }
   return found;

@@ -58,6 +58,7 @@ class FoldedArchive {
   };
 
   struct Needle;
+  class Needles;
   class Search;
 
   std::vector<Page> m_pages;

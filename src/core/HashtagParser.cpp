@@ -39,14 +39,7 @@ icu::RegexMatcher* completionPattern() {
 
 /// The text from `begin` to the next white space.
 std::string_view tokenAt(std::string_view text, std::size_t begin) {
-  std::size_t end = begin;
-  while (end < text.size()) {
-    const CodePoint next = firstCodePoint(text.substr(end));
-    if (isWhiteSpace(next.value))
-      break;
-    end += next.length;
-  }
-  return text.substr(begin, std::min(end - begin, longestToken));
+  return text.substr(begin, std::min(findWhiteSpace(text, begin) - begin, longestToken));
 }
 
 bool beginsToken(std::string_view text, std::size_t position) {

@@ -16,11 +16,11 @@ namespace {
 
 constexpr std::size_t shortestKeyword = 3;
 
-/// Cutting words is the one rule that depends on the user's language; making the iterator loads dictionaries.
+/// Making it loads dictionaries.
 icu::BreakIterator* wordIterator() {
   UErrorCode status = U_ZERO_ERROR;
   thread_local const std::unique_ptr<icu::BreakIterator> words(
-      icu::BreakIterator::createWordInstance(icu::Locale::getDefault(), status));
+      icu::BreakIterator::createWordInstance(icu::Locale::getRoot(), status));
   return words.get();
 }
 
@@ -72,7 +72,44 @@ void tokenize(std::string_view text, Visit visit) {
   }
 }
 
+bool mayBeOfLetter(char byte) {
+  return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || (byte & 0x80) != 0;
+}
+
+/// The first full stop at or after `from` with something like a letter on both sides, or npos.
+std::size_t findInnerStop(std::string_view text, std::size_t from) {
+  std::size_t stop = text.find('.', from);
+  while (stop != std::string_view::npos && (stop == 0 || stop + 1 == text.size() ||
+                                            !mayBeOfLetter(text[stop - 1]) || !mayBeOfLetter(text[stop + 1])))
+    stop = text.find('.', stop + 1);
+  return stop;
+}
+
+/// The start of what stands before the end of the text without white space.
+std::size_t beginOfLastPiece(std::string_view text) {
+  while (!text.empty()) {
+    const CodePoint last = lastCodePoint(text);
+    if (isWhiteSpace(last.value))
+      break;
+    text.remove_suffix(last.length);
+  }
+  return text.size();
+}
+
 } // namespace
+
+WordList extractDottedKeywords(std::string_view text, const StopWords& stopWords) {
+  std::string pieces;
+  std::size_t begin = 0;
+  for (std::size_t stop = findInnerStop(text, 0); stop != std::string_view::npos;
+       stop = findInnerStop(text, begin)) {
+    begin += beginOfLastPiece(text.substr(begin, stop - begin));
+    const std::size_t end = findWhiteSpace(text, stop);
+    pieces.append(text.substr(begin, end - begin)).push_back(' ');
+    begin = end;
+  }
+  return pieces.empty() ? WordList() : extractKeywords(pieces, stopWords);
+}
 
 WordList extractKeywords(std::string_view text, const StopWords& stopWords) {
   WordList keywords;

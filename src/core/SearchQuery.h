@@ -8,10 +8,11 @@
 
 namespace notlet {
 
-/// A search text read once, to be held against many notlets. All parts are folded. Without tags and terms the
-/// phrase itself is looked for; an empty phrase then matches everything.
+/// A search text read once, to be held against many notlets. All parts are folded. It asks for all the tags,
+/// and for all the terms or, as it stands, the phrase; without tags and terms for the phrase alone. An empty
+/// phrase matches everything.
 struct SearchQuery {
-  /// The whole query, trimmed.
+  /// The whole query, trimmed. "I'm" or "e.g." are found by it alone: their letters are no keywords.
   std::string phrase;
   /// Each must equal a hashtag of the notlet.
   std::vector<std::string> tags;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/KeywordExtractor.h"
 #include "core/Text.h"
 
 namespace notlet::SearchService {
@@ -22,14 +23,17 @@ bool matches(const NotletEntry& notlet, std::string_view query) {
 bool matches(const NotletEntry& notlet, const SearchQuery& query) {
   if (query.matchesEverything())
     return true;
-  const std::string text = folded(notlet.content);
-  if (query.isPlainPhrase())
-    return containsCanonically(text, query.phrase);
   const auto carriesTag = [&](const std::string& tag) { return holdsWord(notlet.hashtags, tag); };
+  if (!std::ranges::all_of(query.tags, carriesTag))
+    return false;
+  const std::string text = folded(notlet.content);
+  if (containsCanonically(text, query.phrase))
+    return true;
   const auto carriesTerm = [&](const std::string& term) {
-    return containsCanonically(text, term) || carriesTag(term) || holdsWord(notlet.keywords, term);
+    return containsCanonically(text, term) || carriesTag(term) || holdsWord(notlet.keywords, term) ||
+           holdsWord(KeywordExtractor::extractDottedKeywords(notlet.content), term);
   };
-  return std::ranges::all_of(query.tags, carriesTag) && std::ranges::all_of(query.terms, carriesTerm);
+  return !query.isPlainPhrase() && std::ranges::all_of(query.terms, carriesTerm);
 }
 
 } // namespace notlet::SearchService

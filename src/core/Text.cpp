@@ -157,6 +157,16 @@ std::string_view trimmed(std::string_view text) {
   return text;
 }
 
+std::size_t findWhiteSpace(std::string_view text, std::size_t from) {
+  while (from < text.size()) {
+    const CodePoint next = firstCodePoint(text.substr(from));
+    if (isWhiteSpace(next.value))
+      break;
+    from += next.length;
+  }
+  return from;
+}
+
 bool isValidUtf8(std::string_view text) {
   if (isAscii(text))
     return true;

@@ -24,6 +24,9 @@ struct CodePoint {
 /// The text without white space and newlines at both ends.
 [[nodiscard]] std::string_view trimmed(std::string_view text);
 
+/// Where the first white space at or after `from` begins, or the text's end.
+[[nodiscard]] std::size_t findWhiteSpace(std::string_view text, std::size_t from);
+
 [[nodiscard]] bool isValidUtf8(std::string_view text);
 
 /// The full Unicode lowercase mapping, independent of the user's language.

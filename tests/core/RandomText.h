@@ -41,14 +41,14 @@ class RandomText {
     if (oneIn(4))
       entry.hashtags.append(word());
     if (oneIn(4))
-      entry.keywords.append(word());
+      entry.keywords = {word()};
     return entry;
   }
 
  private:
   // clang-format off
   static constexpr auto words = std::to_array<std::string_view>({
-      "a", "e", "i", "the", "and", "Work", "work", "wo", "WORK-1", "to_do", "don't", "dont", "v2", "2024", "3.14",
+      "a", "e", "i", "the", "and", "Work", "work", "wo", "WORK-1", "to_do", "don't", "dont", "I'm", "e.g.", "x_y", "README.md", "readmemd", "v2", "2024", "3.14",
       "café", "cafe\u0301", "CAFÉ", "cafe", "e\u0301\u0323", "e\u0323\u0301", "\u212B", "å", "naïve", "İstanbul",
       "I\u0307", "istanbul", "ISTANBUL", "ıslak", "Straße", "STRASSE", "strasse", "\u1E9E", "ΟΔΟΣ", "οδος", "οδός", "Σ",
       "ς", "Привет", "привет", "й", "и\u0306", "и", "كِتَاب", "كتاب", "שָׁלוֹם", "שלום", "हिन्दी", "हिन", "क", "का", "कि",

@@ -20,7 +20,7 @@ bool matchesPrepared(const NotletEntry& notlet, std::string_view query) {
   return archive.matches(archive.add(notlet), SearchQuery::parse(query));
 }
 
-TEST(SearchTest, ANotletIsFoundByTextTagsAndKeywords) {
+TEST(SearchTest, ANotletIsFoundByTextTagsKeywordsAndTheWholeQuery) {
   struct {
     std::string_view text, query;
     bool expected;
@@ -53,6 +53,16 @@ TEST(SearchTest, ANotletIsFoundByTextTagsAndKeywords) {
       {"love ❤\uFE0F", "❤", true},
       {"semi#colon", "#", true},
       {"and more", "\xFE", false},
+      {"I'm late", "I'm", true},
+      {"see e.g. there", "E.G.", true},
+      {"the U.S. of A", " u.s. ", true},
+      {"let x_y be", "x_y", true},
+      {"write to a.b@c.de", "A.B@c.de", true},
+      {"late: I'm", "I'm late", false},
+      {"e.g.\u0301", "e.g.", false},
+      {"I'm here #work", "I'm here #work", true},
+      {"I'm here #work", "I'm here #wo", false},
+      {"I'm here #working", "I'm here #work", false},
   };
   for (const auto& [text, query, expected] : cases) {
     EXPECT_EQ(SearchService::matches(notletOf(text), query), expected) << query << " in " << text;
@@ -68,7 +78,20 @@ TEST(SearchTest, TagsAndKeywordsCountAsWholeWordsWhereverTheyComeFrom) {
     EXPECT_TRUE(SearchService::matches(notlet, query)) << query;
     EXPECT_TRUE(matchesPrepared(notlet, query)) << query;
   }
-  for (const char* query : {"secre", "ecret", "#hidden", "hidde", "two\nkept\nhid", "#secret #plain"}) {
+  // Stored when a full stop still parted words.
+  notlet = notletOf("see README.md in the src.d folder");
+  notlet.keywords = {"see", "README", "src", "folder"};
+  for (const char* query : {"folder README.md", "readmemd", "srcd see"}) {
+    EXPECT_TRUE(SearchService::matches(notlet, query)) << query;
+    EXPECT_TRUE(matchesPrepared(notlet, query)) << query;
+  }
+}
+
+TEST(SearchTest, PartsOfTagsAndKeywordsDoNotCount) {
+  NotletEntry notlet = notletOf("plain e.f");
+  notlet.hashtags = {"Secret", "two"};
+  notlet.keywords = {"Hidden", "kept"};
+  for (const char* query : {"secre", "ef", "ecret", "#hidden", "hidde", "two\nkept\nhid", "#secret #plain"}) {
     EXPECT_FALSE(SearchService::matches(notlet, query)) << query;
     EXPECT_FALSE(matchesPrepared(notlet, query)) << query;
   }
