@@ -157,11 +157,17 @@ QWidget* NotletMacApp::makeSection(MacSection section) {
   case MacSection::archive:
     return new MacArchiveView(*m_archiveBrowser);
   case MacSection::themes:
-    return new ThemeSettingsView({m_settings, m_fileChooser, userLocaleName()});
+    return makeThemes();
   case MacSection::notlet:
     break;
   }
   return new MacNotletView(*m_mainCapture.composer);
+}
+
+QWidget* NotletMacApp::makeThemes() {
+  auto* view = new ThemeSettingsView({m_settings, m_fileChooser, userLocaleName()});
+  m_focusedWidget.addSearch(view, [view] { view->focusSearch(); });
+  return view;
 }
 
 // The first window does not wait for it.
@@ -240,9 +246,10 @@ void NotletMacApp::makeSettingsWindow() {
   const std::string location = m_shortcutSettings.location().value_or("There is no home folder.").string();
   auto* form =
       new ShortcutForm(m_shortcutDraft, fromUtf8(location), [this] { return m_desktop.capabilities(); });
-  m_settingsWindow = std::make_unique<SettingsWindow>(
-      m_settings, m_settingsScreen, m_shortcutDraft,
-      new MacSettingsView(m_settingsScreen, makeSection(MacSection::themes), form));
+  m_settingsWindow =
+      std::make_unique<SettingsWindow>(m_settings, m_settingsScreen, m_shortcutDraft,
+                                       new MacSettingsView(m_settingsScreen, makeThemes(), form));
+  m_focusedWidget.setSettingsWindow(m_settingsWindow.get());
   addProgramKeys(m_settingsWindow.get());
 }
 

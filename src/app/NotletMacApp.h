@@ -72,6 +72,7 @@ class NotletMacApp : public QObject {
   void makeFloatingPanel();
   [[nodiscard]] QWidget* makeMainContent();
   [[nodiscard]] QWidget* makeSection(MacSection section);
+  [[nodiscard]] QWidget* makeThemes();
   [[nodiscard]] PopoverWindow& popover();
   [[nodiscard]] QWidget* makePopoverContent();
   [[nodiscard]] QWidget* makeBubble();

@@ -62,7 +62,8 @@ Result<std::string> recordedKey(ShortcutField field, const KeyPress& press) {
     return failure("Notlet has no name for this key. Press another.");
   if (use == ShortcutUse::leader)
     return combination(name, modifiers);
-  if ((modifiers & ~KeyModifier::shift) != 0 || (modifiers != 0 && use == ShortcutUse::direct))
+  const bool isShiftAllowed = use != ShortcutUse::direct || isTypedWithShift(name);
+  if ((modifiers & ~KeyModifier::shift) != 0 || (modifiers != 0 && !isShiftAllowed))
     return failure("Press a single key, without " + std::string(use == ShortcutUse::direct ? "Shift, " : "") +
                    "Control, Alt or Super.");
   return name;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <unicode/uchar.h>
 #include <vector>
 
 #include "core/Text.h"
@@ -55,6 +56,14 @@ std::vector<std::string_view> pieces(std::string_view text) {
 }
 
 } // namespace
+
+bool isTypedWithShift(std::string_view keyName) {
+  if (keyName.empty())
+    return false;
+  const CodePoint character = firstCodePoint(keyName);
+  const auto value = static_cast<UChar32>(character.value);
+  return character.length == keyName.size() && u_isgraph(value) != 0 && u_toupper(value) == value;
+}
 
 std::string macKeyName(std::uint16_t keyCode, std::optional<std::string_view> characters) {
   const auto named = std::ranges::find(namedKeys, keyCode, &NamedKey::keyCode);

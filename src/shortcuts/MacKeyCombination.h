@@ -13,6 +13,9 @@ namespace notlet {
 /// `keyCode` is one of KeyCode; `characters` are UTF-8, those typed with no modifier but shift.
 [[nodiscard]] std::string macKeyName(std::uint16_t keyCode, std::optional<std::string_view> characters);
 
+/// Whether shift may be part of typing the key of this name: a sign, not a letter that shift makes a capital.
+[[nodiscard]] bool isTypedWithShift(std::string_view keyName);
+
 /// A key with the modifiers that must be held, such as "control+s".
 struct MacKeyCombination {
   /// A key name.

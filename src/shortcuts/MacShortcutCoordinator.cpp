@@ -1,7 +1,9 @@
 #include "shortcuts/MacShortcutCoordinator.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <span>
 #include <unicode/uchar.h>
 
 #include "core/Text.h"
@@ -40,34 +42,81 @@ bool MacShortcutCoordinator::Key::isNamed(std::string_view configured) const {
 }
 
 bool MacShortcutCoordinator::handle(const KeyPress& press) {
-  const std::string typed = macKeyName(press.keyCode, press.characters);
-  const std::string latin = macKeyName(press.keyCode, press.latinCharacters);
-  const std::uint32_t modifiers = press.modifiers & KeyModifier::mask;
-  return handle(isMeantInLatin({typed, modifiers}, {latin, modifiers}) ? latin : typed, modifiers);
+  Action action = actionOf(press);
+  if (press.isRepeat && !action.doesWhat(m_lastPress))
+    return m_lastPress.isTaken();
+  m_lastPress = std::move(action);
+  return perform(m_lastPress);
 }
 
-// The order of the rules decides: the first one that takes the key ends it.
 bool MacShortcutCoordinator::handle(std::string_view key, std::uint32_t modifierRawValue) {
-  const Key pressed{key, modifierRawValue & KeyModifier::mask};
-  if (leaveCapture(pressed) || endEditing(pressed) || leaveTextInput(pressed) ||
-      moveFromSearchField(pressed) || arm(pressed))
-    return true;
-  if (isArmed())
-    return chooseCommand(pressed);
-  m_leaderDeadline.reset();
-  return startSearch(pressed) || useArchive(pressed);
+  m_lastPress = actionOf(Key{key, modifierRawValue & KeyModifier::mask});
+  return perform(m_lastPress);
 }
 
-bool MacShortcutCoordinator::isMeantInLatin(const Key& typed, const Key& latin) const {
-  if (latin.name == typed.name || isLeader(typed))
-    return false;
-  if (isChord(latin.modifiers) && isLeader(latin))
-    return true;
-  return isArmed() && !commandAfterLeader(typed) && commandAfterLeader(latin);
+bool MacShortcutCoordinator::perform(const Action& action) {
+  const Action now = action; // Whoever carries out a command may press keys itself.
+  if (!now.keepsLeader)
+    m_leaderDeadline.reset();
+  switch (now.kind) {
+  case Action::Kind::pass:
+    break;
+  case Action::Kind::post:
+    m_surroundings.notificationCenter.post(now.command, now.object);
+    break;
+  case Action::Kind::clearFocus:
+    m_surroundings.focusedControl.clearFocus();
+    break;
+  case Action::Kind::focusSearch:
+    m_surroundings.focusedControl.focusOwnSearch();
+    break;
+  case Action::Kind::arm:
+    m_leaderDeadline = m_surroundings.clock.now() + waitFor(config().leaderTimeoutMilliseconds);
+    break;
+  }
+  return now.isTaken();
+}
+
+// A plain leader is looked for in what is really typed only: otherwise a letter could not be typed any more.
+MacShortcutCoordinator::Action MacShortcutCoordinator::actionOf(const KeyPress& press) const {
+  const std::uint32_t modifiers = press.modifiers & KeyModifier::mask;
+  const std::string typed = macKeyName(press.keyCode, press.characters);
+  Action action = actionOf(Key{typed, modifiers});
+  if (!action.isTaken() && modifiers == KeyModifier::shift && isTypedWithShift(typed))
+    action = actionOf(Key{typed, 0});
+  const std::string latin = macKeyName(press.keyCode, press.latinCharacters);
+  const Key meant{latin, modifiers};
+  if (!action.isTaken() && latin != typed && (isChord(modifiers) || !isLeader(meant)))
+    action = actionOf(meant);
+  return action;
+}
+
+// The order of the rules decides: the first one that takes the key ends it. The settings window is not one
+// from which the others are led.
+MacShortcutCoordinator::Action MacShortcutCoordinator::actionOf(const Key& key) const {
+  using Rules = std::span<Action (MacShortcutCoordinator::* const)(const Key&) const>;
+  using Coordinator = MacShortcutCoordinator;
+  constexpr static std::array first{&Coordinator::leaveCapture, &Coordinator::endEditing,
+                                    &Coordinator::leaveTextInput, &Coordinator::moveFromSearchField,
+                                    &Coordinator::arm};
+  constexpr static std::array afterLeader{&Coordinator::chooseCommand};
+  constexpr static std::array direct{&Coordinator::startSearch, &Coordinator::useArchive};
+  constexpr static std::array inSettings{&Coordinator::leaveTextInput, &Coordinator::startSearch};
+  const auto firstTaken = [&](Rules rules) {
+    for (const auto rule : rules) {
+      if (Action action = (this->*rule)(key); action.isTaken())
+        return action;
+    }
+    return Action{};
+  };
+  if (m_surroundings.focusedControl.window() == FocusedControl::Window::settings)
+    return firstTaken(inSettings);
+  const Action action = firstTaken(first);
+  return action.isTaken() ? action : firstTaken(isArmed() ? Rules(afterLeader) : Rules(direct));
 }
 
 bool MacShortcutCoordinator::isLeader(const Key& key) const {
-  const auto leader = MacKeyCombination::parse(m_surroundings.settings.config().leader);
+  const auto leader = MacKeyCombination::parse(config().leader);
   return leader && leader->matches(key.name, key.modifiers);
 }
 
@@ -75,112 +124,105 @@ bool MacShortcutCoordinator::isArmed() const {
   return m_leaderDeadline && *m_leaderDeadline >= m_surroundings.clock.now();
 }
 
-std::optional<CommandName> MacShortcutCoordinator::commandAfterLeader(const Key& key) const {
-  const MacShortcutConfig::Commands& commands = m_surroundings.settings.config().commands;
-  if (key.isNamed(commands.notlet))
-    return CommandName::openMacNotlet;
-  if (key.isNamed(commands.archive))
-    return CommandName::openMacArchive;
-  return std::nullopt;
+bool MacShortcutCoordinator::isForButton(const Key& key) const {
+  return (key.name == "return" || key.name == " ") && m_surroundings.focusedControl.isButtonFocused();
 }
 
 /// A key typed into the popover must not save, delete or walk what stands in the main window behind it.
 bool MacShortcutCoordinator::showsInArchive(bool flag) const {
-  return flag && m_surroundings.focusedControl.isInMainWindow();
+  return flag && m_surroundings.focusedControl.window() == FocusedControl::Window::main;
 }
 
-bool MacShortcutCoordinator::leaveCapture(const Key& key) {
-  return floatingCaptureExpanded && key.name == "escape" &&
-         consumeAndDisarm(CommandName::collapseMacFloatingCapture);
+MacShortcutCoordinator::Action MacShortcutCoordinator::leaveCapture(const Key& key) const {
+  if (!floatingCaptureExpanded || key.name != "escape")
+    return {};
+  return post(CommandName::collapseMacFloatingCapture);
 }
 
-bool MacShortcutCoordinator::endEditing(const Key& key) {
+MacShortcutCoordinator::Action MacShortcutCoordinator::endEditing(const Key& key) const {
   if (!showsInArchive(archiveEditingActive))
-    return false;
+    return {};
   if (key.name == "escape")
-    return consumeAndDisarm(CommandName::cancelEditingMacNotlet);
-  return key.isPlain("return") && consumeAndDisarm(CommandName::saveEditingMacNotlet);
+    return post(CommandName::cancelEditingMacNotlet);
+  if (key.isPlain("return") && !isForButton(key))
+    return post(CommandName::saveEditingMacNotlet);
+  return {};
 }
 
-bool MacShortcutCoordinator::leaveTextInput(const Key& key) {
+MacShortcutCoordinator::Action MacShortcutCoordinator::leaveTextInput(const Key& key) const {
   if (key.name != "escape")
-    return false;
+    return {};
   if (showsInArchive(archiveActive && archiveSearchFieldActive))
-    return consumeAndDisarm(CommandName::clearMacHashtagSearch);
-  if (!m_surroundings.focusedControl.isTextInputFocused())
-    return false;
-  m_leaderDeadline.reset();
-  m_surroundings.focusedControl.clearFocus();
-  return true;
+    return post(CommandName::clearMacHashtagSearch);
+  if (m_surroundings.focusedControl.isTextInputFocused())
+    return {Action::Kind::clearFocus};
+  return {};
 }
 
-bool MacShortcutCoordinator::moveFromSearchField(const Key& key) {
+MacShortcutCoordinator::Action MacShortcutCoordinator::moveFromSearchField(const Key& key) const {
   if (!showsInArchive(archiveActive && archiveSearchFieldActive))
-    return false;
-  return (key.isPlain("down") && consume(CommandName::selectNextMacNotlet)) ||
-         (key.isPlain("up") && consume(CommandName::selectPreviousMacNotlet));
+    return {};
+  if (key.isPlain("down"))
+    return {Action::Kind::post, CommandName::selectNextMacNotlet, std::nullopt, true};
+  if (key.isPlain("up"))
+    return {Action::Kind::post, CommandName::selectPreviousMacNotlet, std::nullopt, true};
+  return {};
 }
 
-bool MacShortcutCoordinator::arm(const Key& key) {
-  if (!isLeader(key))
-    return false;
-  m_leaderDeadline =
-      m_surroundings.clock.now() + waitFor(m_surroundings.settings.config().leaderTimeoutMilliseconds);
-  return true;
+MacShortcutCoordinator::Action MacShortcutCoordinator::arm(const Key& key) const {
+  return {isLeader(key) ? Action::Kind::arm : Action::Kind::pass};
 }
 
-bool MacShortcutCoordinator::chooseCommand(const Key& key) {
-  m_leaderDeadline.reset();
-  const auto command = commandAfterLeader(key);
-  return command && consume(*command);
+MacShortcutCoordinator::Action MacShortcutCoordinator::chooseCommand(const Key& key) const {
+  if (key.isNamed(config().commands.notlet))
+    return post(CommandName::openMacNotlet);
+  if (key.isNamed(config().commands.archive))
+    return post(CommandName::openMacArchive);
+  return {};
 }
 
-bool MacShortcutCoordinator::startSearch(const Key& key) {
-  return key.modifiers == 0 && key.isNamed(m_surroundings.settings.config().commands.search) &&
-         !m_surroundings.focusedControl.isTextInputFocused() && consume(CommandName::focusMacArchiveSearch);
+MacShortcutCoordinator::Action MacShortcutCoordinator::startSearch(const Key& key) const {
+  const FocusedControl& focused = m_surroundings.focusedControl;
+  if (key.modifiers != 0 || !key.isNamed(config().commands.search) || focused.isTextInputFocused())
+    return {};
+  if (focused.hasOwnSearch())
+    return {Action::Kind::focusSearch};
+  if (focused.window() == FocusedControl::Window::settings)
+    return {};
+  return post(CommandName::focusMacArchiveSearch);
 }
 
-bool MacShortcutCoordinator::useArchive(const Key& key) {
-  if (!showsInArchive(archiveActive) || key.modifiers != 0 ||
+MacShortcutCoordinator::Action MacShortcutCoordinator::useArchive(const Key& key) const {
+  if (!showsInArchive(archiveActive) || key.modifiers != 0 || isForButton(key) ||
       m_surroundings.focusedControl.isTextInputFocused())
-    return false;
-  if (archiveHashtagNavigationActive && useHashtags(key))
-    return true;
-  const MacShortcutConfig& config = m_surroundings.settings.config();
-  if (key.isNamed(config.commands.edit))
-    return consume(CommandName::editSelectedMacNotlet);
-  if (key.isNamed(config.commands.remove))
-    return consume(CommandName::deleteSelectedMacNotlet);
-  const MacShortcutConfig::ArchiveNavigation& navigation = config.archiveNavigation;
+    return {};
+  if (archiveHashtagNavigationActive) {
+    if (Action action = useHashtags(key); action.isTaken())
+      return action;
+  }
+  if (key.isNamed(config().commands.edit))
+    return post(CommandName::editSelectedMacNotlet);
+  if (key.isNamed(config().commands.remove))
+    return post(CommandName::deleteSelectedMacNotlet);
+  const MacShortcutConfig::ArchiveNavigation& navigation = config().archiveNavigation;
   if (key.isNamed(navigation.next) || key.isNamed(navigation.nextAlternate))
-    return consume(CommandName::selectNextMacNotlet);
+    return post(CommandName::selectNextMacNotlet);
   if (key.isNamed(navigation.previous) || key.isNamed(navigation.previousAlternate))
-    return consume(CommandName::selectPreviousMacNotlet);
-  return false;
+    return post(CommandName::selectPreviousMacNotlet);
+  return {};
 }
 
-bool MacShortcutCoordinator::useHashtags(const Key& key) {
+MacShortcutCoordinator::Action MacShortcutCoordinator::useHashtags(const Key& key) const {
   if (key.name == "right")
-    return consume(CommandName::selectNextMacHashtag);
+    return post(CommandName::selectNextMacHashtag);
   if (key.name == "left")
-    return consume(CommandName::selectPreviousMacHashtag);
+    return post(CommandName::selectPreviousMacHashtag);
   if (key.name == "return" || key.name == " ")
-    return consume(CommandName::activateSelectedMacHashtag);
+    return post(CommandName::activateSelectedMacHashtag);
   if (key.name == "escape")
-    return consume(CommandName::clearMacHashtagSearch);
+    return post(CommandName::clearMacHashtagSearch);
   if (key.name == "backspace" || isHashtagSearchCharacter(key.name))
-    return consume(CommandName::searchMacHashtags, std::string(key.name));
-  return false;
+    return post(CommandName::searchMacHashtags, std::string(key.name));
+  return {};
 }
-
-bool MacShortcutCoordinator::consume(CommandName name, const CommandObject& object) {
-  m_surroundings.notificationCenter.post(name, object);
-  return true;
-}
-
-bool MacShortcutCoordinator::consumeAndDisarm(CommandName name) {
-  m_leaderDeadline.reset();
-  return consume(name);
-}
-
 } // namespace notlet

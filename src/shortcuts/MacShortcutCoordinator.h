@@ -46,8 +46,9 @@ class MacShortcutCoordinator {
 
   /// True when the key was consumed and must reach no control.
   ///
-  /// On a layout without Latin letters nobody could press "control+s" and then "j". There the leader, and the
-  /// key that follows it, are also found by what the key types on a Latin layout.
+  /// Where nothing is made of what a key types, it also counts without the shift that its sign needs, and as
+  /// what it types on a Latin layout: on others nobody could press "control+s" and then "j". A held key goes
+  /// on doing what it did when it was pressed, or does nothing: what it opened is not for it.
   bool handle(const KeyPress& press);
   /// The same for a key of this name. `modifierRawValue` may hold bits outside KeyModifier::mask.
   bool handle(std::string_view key, std::uint32_t modifierRawValue);
@@ -63,27 +64,51 @@ class MacShortcutCoordinator {
     [[nodiscard]] bool isNamed(std::string_view configured) const;
   };
 
-  [[nodiscard]] bool isMeantInLatin(const Key& typed, const Key& latin) const;
+  /// What is made of a key.
+  struct Action {
+    enum class Kind { pass, post, clearFocus, focusSearch, arm };
+
+    Kind kind = Kind::pass;
+    /// What to post.
+    CommandName command{};
+    CommandObject object = std::nullopt;
+    /// The leader goes on waiting.
+    bool keepsLeader = false;
+
+    [[nodiscard]] bool isTaken() const { return kind != Kind::pass; }
+    [[nodiscard]] bool doesWhat(const Action& other) const {
+      return kind == other.kind && command == other.command && object == other.object;
+    }
+  };
+
+  [[nodiscard]] Action actionOf(const KeyPress& press) const;
+  [[nodiscard]] Action actionOf(const Key& key) const;
+  [[nodiscard]] static Action post(CommandName name, CommandObject object = std::nullopt) {
+    return {Action::Kind::post, name, std::move(object)};
+  }
+  bool perform(const Action& action);
+
+  [[nodiscard]] const MacShortcutConfig& config() const { return m_surroundings.settings.config(); }
   [[nodiscard]] bool isLeader(const Key& key) const;
   [[nodiscard]] bool isArmed() const;
-  [[nodiscard]] std::optional<CommandName> commandAfterLeader(const Key& key) const;
-
+  [[nodiscard]] bool isForButton(const Key& key) const;
   [[nodiscard]] bool showsInArchive(bool flag) const;
-  bool leaveCapture(const Key& key);
-  bool endEditing(const Key& key);
-  bool leaveTextInput(const Key& key);
-  bool moveFromSearchField(const Key& key);
-  bool arm(const Key& key);
-  bool chooseCommand(const Key& key);
-  bool startSearch(const Key& key);
-  bool useHashtags(const Key& key);
-  bool useArchive(const Key& key);
 
-  bool consume(CommandName name, const CommandObject& object = std::nullopt);
-  bool consumeAndDisarm(CommandName name);
+  // The rules, each of which may take a key.
+  [[nodiscard]] Action leaveCapture(const Key& key) const;
+  [[nodiscard]] Action endEditing(const Key& key) const;
+  [[nodiscard]] Action leaveTextInput(const Key& key) const;
+  [[nodiscard]] Action moveFromSearchField(const Key& key) const;
+  [[nodiscard]] Action arm(const Key& key) const;
+  [[nodiscard]] Action chooseCommand(const Key& key) const;
+  [[nodiscard]] Action startSearch(const Key& key) const;
+  [[nodiscard]] Action useHashtags(const Key& key) const;
+  [[nodiscard]] Action useArchive(const Key& key) const;
 
   Surroundings m_surroundings;
   std::optional<SteadyClock::Time> m_leaderDeadline;
+  /// What was made of the last key that was pressed.
+  Action m_lastPress;
 };
 
 } // namespace notlet

@@ -67,7 +67,8 @@ bool SettingsScreen::handle(const KeyPress& press) {
     return false;
   if (m_draft.record(press))
     return true;
-  return press.keyCode == KeyCode::escape && (press.modifiers & KeyModifier::mask) == 0 && escape();
+  return press.keyCode == KeyCode::escape && !press.isRepeat && (press.modifiers & KeyModifier::mask) == 0 &&
+         escape();
 }
 
 // In the search for themes Escape first leaves the field. Who wants to leave with keys that are not saved is

@@ -28,6 +28,8 @@ struct Situation {
   bool hashtags = false;
   bool panel = false;
   bool textInput = false;
+  bool button = false;
+  bool ownSearch = false;
 };
 
 constexpr Situation elsewhere{};
@@ -37,6 +39,7 @@ constexpr Situation hashtagStrip{.archive = true, .hashtags = true};
 constexpr Situation searchField{.archive = true, .searchField = true, .textInput = true};
 constexpr Situation editing{.archive = true, .editing = true, .textInput = true};
 constexpr Situation panel{.panel = true, .textInput = true};
+constexpr Situation themes{.ownSearch = true};
 
 class MacShortcutCoordinatorTest : public testing::Test {
  protected:
@@ -56,6 +59,8 @@ class MacShortcutCoordinatorTest : public testing::Test {
     coordinator.archiveHashtagNavigationActive = situation.hashtags;
     coordinator.floatingCaptureExpanded = situation.panel;
     focus.textInputFocused = situation.textInput;
+    focus.buttonFocused = situation.button;
+    focus.ownSearch = situation.ownSearch;
   }
 
   /// What became of the key: "pass", "consume", or the command that it became.
@@ -96,7 +101,7 @@ struct KeyCase {
 
 // The popover has the keyboard while the main window behind it shows the archive and an open editor.
 TEST_F(MacShortcutCoordinatorTest, KeysInOtherWindowsLeaveTheArchiveAlone) {
-  focus.inMainWindow = false;
+  focus.inWindow = FocusedControl::Window::other;
   for (const Situation& behind : {archiveList, hashtagStrip, searchField, editing}) {
     for (const char* key : {"return", "down", "j", "e", "d", "right", "backspace"}) {
       show(behind);
@@ -107,6 +112,24 @@ TEST_F(MacShortcutCoordinatorTest, KeysInOtherWindowsLeaveTheArchiveAlone) {
     arm();
     EXPECT_EQ(press("a"), "openMacArchive");
   }
+}
+
+// What stands behind the settings stays as it is; their own search is theirs.
+TEST_F(MacShortcutCoordinatorTest, KeysInTheSettingsLeadNowhereElse) {
+  focus.inWindow = FocusedControl::Window::settings;
+  for (Situation shown : {elsewhere, archiveList, editing, panel}) {
+    shown.textInput = false;
+    show(shown);
+    for (const char* key : {"/", "escape", "return", "j"})
+      EXPECT_EQ(press(key), "pass") << key;
+    EXPECT_EQ(press("s", control), "pass");
+    EXPECT_EQ(press("a"), "pass");
+  }
+  show(themes);
+  EXPECT_EQ(press("/"), "consume");
+  EXPECT_TRUE(focus.textInputFocused);
+  EXPECT_EQ(press("escape"), "consume");
+  EXPECT_FALSE(focus.textInputFocused);
 }
 
 // One key in one situation, with nothing armed before.
@@ -193,6 +216,12 @@ TEST_F(MacShortcutCoordinatorTest, EachSituationGivesKeysItsOwnMeaning) {
       {"editing", editing, "down", 0, "pass"},
       {"editing", editing, "e", 0, "pass"},
       {"editing", editing, "s", control, "consume"},
+      {"button of the editor", {.archive = true, .editing = true, .button = true}, "return", 0, "pass"},
+      {"button of the editor", {.archive = true, .editing = true, .button = true}, " ", 0, "pass"},
+      {"button beside the strip", {.archive = true, .hashtags = true, .button = true}, "return", 0, "pass"},
+      {"button beside the strip", {.archive = true, .hashtags = true, .button = true}, " ", 0, "pass"},
+      {"themes", themes, "/", 0, "consume"},
+      {"themes", {.textInput = true, .ownSearch = true}, "/", 0, "pass"},
 
       {"panel", panel, "escape", 0, "collapseMacFloatingCapture"},
       {"panel", panel, "escape", shift, "collapseMacFloatingCapture"},
@@ -387,17 +416,25 @@ TEST_F(MacShortcutCoordinatorTest, PressesAreNamedByPlaceOrByCharacters) {
 }
 
 // Where "s" cannot be typed, the key that it shares with another letter stands for it, but only in a chord.
-TEST_F(MacShortcutCoordinatorTest, TheLeaderIsFoundOnLayoutsWithoutLatinLetters) {
+TEST_F(MacShortcutCoordinatorTest, KeysAreFoundOnLayoutsWithoutLatinLetters) {
   const auto cyrillic = [](const char* typed, const char* latin, std::uint32_t modifiers = 0) {
     return KeyPress{KeyCode::other, typed, latin, modifiers};
   };
-  show(archiveList);
-  EXPECT_EQ(press(cyrillic("о", "j")), "pass");
+  show(typing);
   EXPECT_EQ(press(cyrillic("ы", "s", control)), "consume");
   EXPECT_EQ(press(cyrillic("о", "j")), "openMacNotlet");
   EXPECT_EQ(press(cyrillic("ы", "s", control)), "consume");
   EXPECT_EQ(press(cyrillic("ч", "x")), "pass");
   EXPECT_EQ(press(cyrillic("ф", "a")), "pass");
+
+  show(archiveList);
+  EXPECT_EQ(press(cyrillic("о", "j")), "selectNextMacNotlet");
+  EXPECT_EQ(press(cyrillic(".", "/")), "focusMacArchiveSearch");
+  EXPECT_EQ(press(cyrillic("О", "j", shift)), "pass");
+  show(hashtagStrip);
+  EXPECT_EQ(press(cyrillic("о", "j")), "searchMacHashtags о");
+  show(typing);
+  EXPECT_EQ(press(cyrillic(".", "/")), "pass");
 
   // What is really typed comes first.
   MacShortcutConfig config;
@@ -411,6 +448,48 @@ TEST_F(MacShortcutCoordinatorTest, TheLeaderIsFoundOnLayoutsWithoutLatinLetters)
     settings.save(config);
     EXPECT_EQ(press(cyrillic("ы", "s")), "pass") << plain;
     EXPECT_EQ(press(cyrillic("ы", "s", shift)), "pass") << plain;
+  }
+}
+
+// As "/" is on many keyboards.
+TEST_F(MacShortcutCoordinatorTest, ShiftThatASignNeedsIsPartOfIt) {
+  const auto shifted = [](const char* typed) { return KeyPress{KeyCode::other, typed, typed, shift}; };
+  show(archiveList);
+  EXPECT_EQ(press(shifted("/")), "focusMacArchiveSearch");
+  EXPECT_EQ(press(shifted("D")), "pass");
+  EXPECT_EQ(press({KeyCode::down, std::nullopt, std::nullopt, shift}), "pass");
+  show(hashtagStrip);
+  EXPECT_EQ(press(shifted("_")), "searchMacHashtags _");
+  EXPECT_EQ(press(shifted(" ")), "pass");
+}
+
+// What a held key opened would get its repeats typed into it, or would be closed by them at once.
+TEST_F(MacShortcutCoordinatorTest, AHeldKeyGoesOnWithWhatItBeganOrDoesNothing) {
+  struct Case {
+    Situation before;
+    KeyPress press;
+    Situation after;
+    std::string repeat;
+  };
+  const auto letter = [](const char* typed) { return KeyPress{KeyCode::other, typed, typed}; };
+  const auto placed = [](std::uint16_t keyCode) { return KeyPress{keyCode, std::nullopt, std::nullopt}; };
+  for (Case held : {
+           Case{archiveList, letter("j"), archiveList, "selectNextMacNotlet"},
+           {searchField, placed(KeyCode::down), archiveList, "selectNextMacNotlet"},
+           {hashtagStrip, letter("a"), hashtagStrip, "searchMacHashtags a"},
+           {archiveList, letter("k"), hashtagStrip, "consume"},
+           {archiveList, letter("e"), editing, "consume"},
+           {elsewhere, letter("/"), searchField, "consume"},
+           {editing, placed(KeyCode::returnKey), archiveList, "consume"},
+           {editing, placed(KeyCode::escape), searchField, "consume"},
+           {typing, letter("j"), archiveList, "pass"},
+       }) {
+    SCOPED_TRACE(macKeyName(held.press.keyCode, held.press.characters));
+    show(held.before);
+    press(held.press);
+    show(held.after);
+    held.press.isRepeat = true;
+    EXPECT_EQ(press(held.press), held.repeat);
   }
 }
 

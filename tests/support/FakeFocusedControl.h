@@ -8,11 +8,16 @@ namespace notlet {
 class FakeFocusedControl final : public FocusedControl {
  public:
   [[nodiscard]] bool isTextInputFocused() const override { return textInputFocused; }
-  [[nodiscard]] bool isInMainWindow() const override { return inMainWindow; }
+  [[nodiscard]] bool isButtonFocused() const override { return buttonFocused; }
+  [[nodiscard]] Window window() const override { return inWindow; }
   void clearFocus() override { textInputFocused = false; }
+  [[nodiscard]] bool hasOwnSearch() const override { return ownSearch; }
+  void focusOwnSearch() override { textInputFocused = true; }
 
   bool textInputFocused = false;
-  bool inMainWindow = true;
+  bool buttonFocused = false;
+  bool ownSearch = false;
+  Window inWindow = Window::main;
 };
 
 } // namespace notlet

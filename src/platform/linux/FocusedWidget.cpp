@@ -1,11 +1,13 @@
 #include "platform/linux/FocusedWidget.h"
 
+#include <QAbstractButton>
 #include <QAbstractSpinBox>
 #include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTextEdit>
+#include <algorithm>
 
 namespace notlet {
 
@@ -36,13 +38,38 @@ bool FocusedWidget::isTextInputFocused() const {
          isWritable<QTextEdit>(widget) || isWritable<QAbstractSpinBox>(widget) || isEditableComboBox(widget);
 }
 
-bool FocusedWidget::isInMainWindow() const {
-  return m_mainWindow == nullptr || QApplication::activeWindow() == m_mainWindow;
+bool FocusedWidget::isButtonFocused() const {
+  return qobject_cast<const QAbstractButton*>(focusedWidget()) != nullptr;
+}
+
+FocusedControl::Window FocusedWidget::window() const {
+  const QWidget* active = QApplication::activeWindow();
+  if (m_mainWindow == nullptr || active == m_mainWindow)
+    return Window::main;
+  return active != nullptr && active == m_settingsWindow ? Window::settings : Window::other;
 }
 
 void FocusedWidget::clearFocus() {
   if (QWidget* widget = focusedWidget())
     widget->clearFocus();
+}
+
+void FocusedWidget::addSearch(const QWidget* screen, std::function<void()> focus) {
+  std::erase_if(m_searches, [](const Search& search) { return search.screen.isNull(); });
+  m_searches.push_back({screen, std::move(focus)});
+}
+
+const FocusedWidget::Search* FocusedWidget::searchOnShow() const {
+  const auto found = std::ranges::find_if(m_searches, [](const Search& search) {
+    return search.screen && search.screen->isVisible() &&
+           search.screen->window() == QApplication::activeWindow();
+  });
+  return found == m_searches.end() ? nullptr : &*found;
+}
+
+void FocusedWidget::focusOwnSearch() {
+  if (const Search* search = searchOnShow())
+    search->focus();
 }
 
 } // namespace notlet

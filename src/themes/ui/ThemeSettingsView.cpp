@@ -126,6 +126,10 @@ void ThemeSettingsView::takeLostKeyboard(bool isInSearch) {
   m_list->setFocus(Qt::OtherFocusReason);
 }
 
+void ThemeSettingsView::focusSearch() {
+  m_browser.handleKey("/");
+}
+
 void ThemeSettingsView::renderEditor() {
   const auto& theme = m_browser.state().editingTheme;
   if (theme.has_value() == !m_editor.isNull())

@@ -24,6 +24,7 @@ class ThemeSettingsView : public QWidget {
 
   [[nodiscard]] ThemeBrowser& browser() { return m_browser; }
   [[nodiscard]] ThemeList& list() { return *m_list; }
+  void focusSearch();
   [[nodiscard]] QSize minimumSizeHint() const override { return {0, 0}; }
 
   bool eventFilter(QObject* watched, QEvent* event) override;

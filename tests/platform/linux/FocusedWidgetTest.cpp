@@ -46,10 +46,37 @@ TEST(FocusedWidgetTest, TextFieldsAreTheControlsThatTypingChanges) {
   for (const auto& [widget, takesText] : cases) {
     widget->setFocus();
     EXPECT_EQ(focused.isTextInputFocused(), takesText) << widget->metaObject()->className();
+    EXPECT_EQ(focused.isButtonFocused(), widget->inherits("QPushButton"));
   }
   cases[0].first->setFocus();
   focused.clearFocus();
   EXPECT_FALSE(focused.isTextInputFocused());
+}
+
+TEST(FocusedWidgetTest, KeysAreForTheActiveWindowAndTheSearchThatItShows) {
+  using Window = FocusedControl::Window;
+  FocusedWidget focused;
+  QWidget main;
+  QWidget settings;
+  focused.setMainWindow(&main);
+  focused.setSettingsWindow(&settings);
+  std::vector<const QWidget*> searched;
+  auto* gone = new QWidget(&main);
+  for (QWidget* screen : {new QWidget(&main), new QWidget(&settings), gone})
+    focused.addSearch(screen, [&searched, screen] { searched.push_back(screen->window()); });
+  delete gone;
+  for (const auto& [shown, meaning] : {std::pair{&settings, Window::settings}, {&main, Window::main}}) {
+    shown->show();
+    shown->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(shown));
+    EXPECT_EQ(focused.window(), meaning);
+    EXPECT_TRUE(focused.hasOwnSearch());
+    focused.focusOwnSearch();
+    EXPECT_EQ(searched.back(), shown);
+  }
+  for (QObject* screen : main.children())
+    static_cast<QWidget*>(screen)->hide();
+  EXPECT_FALSE(focused.hasOwnSearch());
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "platform/linux/KeyMonitor.h"
 
-#include <QComboBox>
 #include <QDialog>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
@@ -10,14 +9,11 @@
 #include <QPushButton>
 #include <QShortcut>
 #include <QSignalSpy>
-#include <QSpinBox>
 #include <QTest>
 #include <QTextEdit>
 #include <QVBoxLayout>
 #include <QWindow>
 #include <gmock/gmock.h>
-
-#include "platform/linux/FocusedWidget.h"
 
 namespace notlet {
 namespace {
@@ -319,38 +315,6 @@ TEST_F(KeyMonitorTest, MenusAndDialogsKeepTheirKeys) {
   QTest::keyClick(tool.windowHandle(), Qt::Key_Escape);
   EXPECT_TRUE(tool.isVisible()) << "A window that blocks no other is one like the main window.";
   EXPECT_EQ(seen().size(), 1U);
-}
-
-TEST_F(KeyMonitorTest, TextInputsAreToldFromOtherControls) {
-  QSpinBox spin;
-  QComboBox choice;
-  QComboBox combo;
-  combo.setEditable(true);
-  for (QWidget* child : std::initializer_list<QWidget*>{&spin, &choice, &combo}) {
-    window.layout()->addWidget(child);
-    child->show();
-  }
-  FocusedWidget focused;
-  struct Case {
-    QWidget* widget;
-    bool takesText;
-  };
-  for (const auto& [widget, takesText] :
-       {Case{&line, true}, Case{&plainText, true}, Case{&richText, true}, Case{&spin, true},
-        Case{&combo, true}, Case{&choice, false}, Case{&button, false}}) {
-    widget->setFocus();
-    EXPECT_EQ(focused.isTextInputFocused(), takesText) << widget->metaObject()->className();
-  }
-  line.setFocus();
-  focused.clearFocus();
-  EXPECT_EQ(QApplication::focusWidget(), nullptr);
-  EXPECT_FALSE(focused.isTextInputFocused());
-  focused.clearFocus();
-
-  line.setFocus();
-  window.hide();
-  EXPECT_TRUE(QTest::qWaitFor([] { return QApplication::activeWindow() == nullptr; }));
-  EXPECT_FALSE(focused.isTextInputFocused());
 }
 
 } // namespace
