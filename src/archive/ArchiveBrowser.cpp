@@ -48,7 +48,6 @@ void ArchiveBrowser::observeCommands() {
   carriesOut(selectPreviousMacHashtag, [this] { moveBetweenHashtags(-1); });
   carriesOut(activateSelectedMacHashtag, [this] { activateSelectedHashtag(); });
   carriesOut(clearMacHashtagSearch, [this] { exitSearchMenu(); });
-  carriesOut(focusMacArchiveSearchField, [this] { focusSearchField(); });
   carriesOut(cancelEditingMacNotlet, [this] { cancelEditing(); });
   carriesOut(editSelectedMacNotlet, [this] {
     if (const NotletEntry* notlet = selectedNotlet())
@@ -61,6 +60,12 @@ void ArchiveBrowser::observeCommands() {
   carriesOut(saveEditingMacNotlet, [this] {
     if (selectedNotlet() && m_state.editingID == m_state.selectedID)
       saveEdit(*m_state.selectedID);
+  });
+  // It comes before the screen when the window is still to be shown.
+  m_surroundings.notificationCenter.observe(focusMacArchiveSearchField, this, [this](const CommandObject&) {
+    m_isSearchWanted = !m_isShown;
+    if (m_isShown)
+      focusSearchField();
   });
   observe(searchMacHashtags, [this](const CommandObject& key) {
     if (key)
@@ -99,10 +104,13 @@ void ArchiveBrowser::appear() {
   if (std::exchange(m_isShown, true))
     return;
   m_results.prepare();
+  if (std::exchange(m_isSearchWanted, false))
+    focusSearchField();
 }
 
 void ArchiveBrowser::disappear() {
   m_isShown = false;
+  m_isSearchWanted = false;
   update([](State& state) { state = {}; });
 }
 
@@ -231,15 +239,8 @@ void ArchiveBrowser::focusSearchField() {
   update([&](State& state) {
     closeEditor(state);
     state.keyboardSection = Section::search;
+    state.searchFocused = true;
   });
-  // The section may have been switched just now, and its field comes into view on the next turn.
-  QMetaObject::invokeMethod(
-      this,
-      [this] {
-        if (m_isShown)
-          setSearchFocused(true);
-      },
-      Qt::QueuedConnection);
 }
 
 void ArchiveBrowser::select(const Uuid& id) {

@@ -192,6 +192,8 @@ class ArchiveBrowser : public QObject {
   State m_state;
   ArchiveKeyboardFlags m_flags;
   bool m_isShown = false;
+  /// The search field is to have the keyboard once the screen comes into view.
+  bool m_isSearchWanted = false;
   // The stored text when the editor was opened: a difference means that somebody else has changed it.
   std::string m_contentAtOpening;
   // Own changes of the list are no news about the edited notlet.

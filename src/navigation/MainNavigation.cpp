@@ -16,14 +16,13 @@ MainNavigation::~MainNavigation() {
   m_coordinator.archiveActive = false;
 }
 
-// The follow-up waits a turn, until the section that was just selected is there to observe it.
+// The section that was just selected is there to observe the follow-up. A turn later keys would have been
+// typed that are meant for it.
 void MainNavigation::observe(CommandName command, MacSection section, std::optional<CommandName> followUp) {
   m_notificationCenter.observe(command, this, [this, section, followUp](const CommandObject&) {
     select(section);
-    if (!followUp)
-      return;
-    QMetaObject::invokeMethod(
-        this, [this, name = *followUp] { m_notificationCenter.post(name); }, Qt::QueuedConnection);
+    if (followUp)
+      m_notificationCenter.post(*followUp);
   });
 }
 
