@@ -89,13 +89,13 @@ void VirtualListView::scrollBy(int pixels) {
     moveTo({m_anchor.row, m_anchor.top - pixels});
 }
 
-std::optional<int> VirtualListView::topNearby(std::size_t row) {
-  if (row + walkableRows < m_anchor.row || row > m_anchor.row + walkableRows)
+std::optional<int> VirtualListView::topNearby(std::size_t row, Anchor place) {
+  if (row + walkableRows < place.row || row > place.row + walkableRows)
     return std::nullopt;
-  int top = m_anchor.top;
-  for (std::size_t above = row; above < m_anchor.row; ++above)
+  int top = place.top;
+  for (std::size_t above = row; above < place.row; ++above)
     top -= heightOf(above);
-  for (std::size_t above = m_anchor.row; above < row; ++above)
+  for (std::size_t above = place.row; above < row; ++above)
     top += heightOf(above);
   return top;
 }
@@ -105,13 +105,11 @@ void VirtualListView::scrollToCentre(std::size_t row, bool animated) {
     return;
   stopGlide();
   m_pointer.reset(); // Rows that pass below a pointer at rest do not light up.
-  const Anchor start = m_anchor;
-  const bool isBelow = row > start.row;
-  std::optional<int> from = topNearby(row);
+  const bool isBelow = row > m_anchor.row;
+  std::optional<int> from = topNearby(row, m_anchor);
   const int centred = std::max(0, (pageHeight() - heightOf(row)) / 2);
   // Near the ends of the list the row comes to rest elsewhere.
-  m_anchor = clamped({row, centred});
-  const int goal = topNearby(row).value_or(centred);
+  const int goal = topNearby(row, clamped({row, centred})).value_or(centred);
   const auto duration = animated && isVisible() ? Motion::duration(this) : std::chrono::milliseconds(0);
   const int longestWay = 2 * pageHeight();
   if (!from || std::abs(*from - goal) > longestWay)
@@ -119,6 +117,7 @@ void VirtualListView::scrollToCentre(std::size_t row, bool animated) {
   if (duration.count() == 0 || *from == goal)
     return moveTo({row, goal});
   m_glide = Glide{{row, goal}, *from - goal};
+  glide(0);
   m_animation.setDuration(static_cast<int>(duration.count()));
   m_animation.start();
 }
@@ -138,7 +137,10 @@ void VirtualListView::stopGlide() {
 }
 
 void VirtualListView::scrollIntoView(std::size_t row, const QRect& part) {
-  const std::optional<int> rowTop = row < m_heights.count() ? topNearby(row) : std::nullopt;
+  // It comes into sight by itself.
+  if (m_glide && m_glide->goal.row == row && heightOf(row) <= pageHeight())
+    return;
+  const std::optional<int> rowTop = row < m_heights.count() ? topNearby(row, m_anchor) : std::nullopt;
   if (!rowTop)
     return scrollToCentre(row, false);
   const int top = *rowTop + part.top();

@@ -133,11 +133,14 @@ void VirtualListView::renewWidgetHeight() {
   m_heights.set(m_widgetRow, height);
   if (height == m_widgetHeight)
     return;
+  const bool wasWholeInSight = isWholeInSight(m_widgetRow);
   m_anchor = steadyAnchor();
   m_widgetHeight = height;
   if (m_glide && m_glide->goal.row == m_widgetRow)
     scrollToCentre(m_widgetRow, true);
   moveTo(m_anchor);
+  if (wasWholeInSight && !m_glide)
+    scrollIntoView(m_widgetRow, QRect(0, 0, 1, m_widgetHeight));
 }
 
 // Changes of rows
@@ -151,6 +154,11 @@ bool VirtualListView::needsEstimate() const {
 bool VirtualListView::isOutOfSight(std::size_t row) const {
   return !m_visible.empty() && m_visible.back().row + 1 < row &&
          m_visible.back().rect.bottom() >= pageHeight() - 1;
+}
+
+bool VirtualListView::isWholeInSight(std::size_t row) const {
+  const auto rect = rowRect(row);
+  return rect && rect->top() >= 0 && rect->bottom() < pageHeight();
 }
 
 void VirtualListView::rowsInserted(std::size_t first, std::size_t count) {

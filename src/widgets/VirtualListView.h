@@ -78,7 +78,8 @@ class VirtualListView : public QAbstractScrollArea {
   [[nodiscard]] std::optional<std::size_t> currentRow() const { return m_currentRow; }
 
   /// Shows the widget in place of a row and takes it over; a former one is deleted later. It is as wide as
-  /// the list and as high as its heightForWidth() or sizeHint() says, and goes when its row is removed.
+  /// the list and as high as its heightForWidth() or sizeHint() says, and goes when its row is removed. While
+  /// it is wholly in sight, it stays so when it grows.
   void setRowWidget(std::size_t row, QWidget* widget);
   void clearRowWidget();
   [[nodiscard]] QWidget* rowWidget() const { return m_widget; }
@@ -146,13 +147,14 @@ class VirtualListView : public QAbstractScrollArea {
   void estimateHeights();
   void extendSample();
   [[nodiscard]] bool isOutOfSight(std::size_t row) const;
+  [[nodiscard]] bool isWholeInSight(std::size_t row) const;
   /// The same place told from the first visible row, and no further than the ends of the list.
   [[nodiscard]] Anchor clamped(Anchor anchor);
   [[nodiscard]] Anchor atFirstVisible(Anchor anchor);
   /// How much of the viewport stays empty below the last row.
   [[nodiscard]] int emptyBelow(Anchor anchor);
-  /// The same place told from the row of another number, if that is not too far away.
-  [[nodiscard]] std::optional<int> topNearby(std::size_t row);
+  /// The top of a row in the viewport of a list that is at that place, if the row is not too far away.
+  [[nodiscard]] std::optional<int> topNearby(std::size_t row, Anchor place);
   /// What is not to move when rows change.
   [[nodiscard]] Anchor steadyAnchor() const;
   [[nodiscard]] bool isAtTop() const { return m_anchor.row == 0 && m_anchor.top == 0; }

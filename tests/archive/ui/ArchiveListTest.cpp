@@ -191,6 +191,28 @@ TEST_F(ArchiveListTest, DraftsReachTheStoreAsTypedAndTextsTheClipboard) {
   EXPECT_EQ(storedText(ids[0]), awkward + "!");
 }
 
+// Above what it grows by, the last row has nothing below to make room.
+TEST_F(ArchiveListTest, AnEditorOpensAndGrowsInSight) {
+  show({"1", "2", "3", "4", "5", "6", "7", "8", "9 #work", "10"});
+  const auto isInSight = [&] {
+    settle();
+    return view().viewport()->rect().contains(*view().rowRect(*view().widgetRow()));
+  };
+  for (const bool isMoving : {false, true}) {
+    Motion::setReduced(!isMoving);
+    for (const std::size_t row : {9U, 4U, 8U}) {
+      browser->select(ids[row]);
+      browser->beginEditing(ids[row]);
+      EXPECT_TRUE(QTest::qWaitFor(isInSight)) << row;
+      for (int line = 0; line < 8; ++line)
+        QTest::keyClick(editor(), Qt::Key_Return);
+      QTest::keyClicks(editor(), QStringLiteral("#wo"));
+      EXPECT_TRUE(QTest::qWaitFor(isInSight)) << row;
+      browser->cancelEditing();
+    }
+  }
+}
+
 // An editor that opens at the end of a text must not push the text's lines out of sight sideways.
 TEST_F(ArchiveListTest, NoLineOfTheEditorIsCutOff) {
   show({std::string(70, 'w')});
