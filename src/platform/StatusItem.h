@@ -18,7 +18,7 @@ class StatusItem : public QObject {
 
  Q_SIGNALS:
   void shownChanged();
-  /// The icon was clicked.
+  /// The icon was clicked; a double click may come as two.
   void clicked();
   /// Choices of the menu.
   void quickNotletChosen();

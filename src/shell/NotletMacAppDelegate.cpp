@@ -11,6 +11,8 @@ namespace {
 constexpr std::string_view linkStart = "notlet:";
 /// A click on the status item first closes the popover, by taking its activation, and then arrives here.
 constexpr std::chrono::milliseconds clickAfterClosing{300};
+/// A click sooner than this after another is one with it.
+constexpr std::chrono::milliseconds doubleClick{400};
 
 const char* message(GlobalHotKey::Failure failure) {
   switch (failure) {
@@ -46,7 +48,7 @@ void NotletMacAppDelegate::applicationDidFinishLaunching(const std::optional<Lau
 
 void NotletMacAppDelegate::listenToStatusItem() {
   const StatusItem* item = &m_surroundings.statusItem;
-  connect(item, &StatusItem::clicked, this, &NotletMacAppDelegate::togglePopover);
+  connect(item, &StatusItem::clicked, this, &NotletMacAppDelegate::statusItemClicked);
   connect(item, &StatusItem::shownChanged, this, &NotletMacAppDelegate::followStatusItem);
   connect(item, &StatusItem::quickNotletChosen, this,
           [this] { m_surroundings.notificationCenter.post(CommandName::openGlobalMacQuickNotlet); });
@@ -147,13 +149,29 @@ void NotletMacAppDelegate::popoverClosedByItself() {
   m_popoverClosed = m_surroundings.clock.now();
 }
 
+bool NotletMacAppDelegate::isCaptureShown() const {
+  return isFloatingMode() ? m_surroundings.floatingPanelController->isExpanded()
+                          : m_surroundings.surfaces.isPopoverShown();
+}
+
 bool NotletMacAppDelegate::closedForThisClick() const {
-  return m_popoverClosed && m_surroundings.clock.now() - *m_popoverClosed <= clickAfterClosing;
+  return !isFloatingMode() && m_popoverClosed &&
+         m_surroundings.clock.now() - *m_popoverClosed <= clickAfterClosing;
 }
 
 WaysBack NotletMacAppDelegate::waysBack() const {
   return {
       .statusItem = m_surroundings.statusItem.isShown(), .bubble = isFloatingMode(), .hotKey = m_hasHotKey};
+}
+
+// Of a double click, the first decides.
+void NotletMacAppDelegate::statusItemClicked() {
+  const auto now = m_surroundings.clock.now();
+  if (!m_clicked || now - *m_clicked > doubleClick)
+    m_clickOpens = !isCaptureShown() && !closedForThisClick();
+  m_clicked = now;
+  if (isCaptureShown() != m_clickOpens)
+    togglePopover();
 }
 
 void NotletMacAppDelegate::togglePopover() {
@@ -163,7 +181,7 @@ void NotletMacAppDelegate::togglePopover() {
     m_surroundings.floatingPanelController->toggleCapture();
   } else if (surfaces.isPopoverShown()) {
     surfaces.closePopover();
-  } else if (!closedForThisClick()) {
+  } else {
     surfaces.showPopover(true);
   }
 }

@@ -74,6 +74,7 @@ class NotletMacAppDelegate : public QObject {
   void reportHotKey(GlobalHotKey::Failure failure);
   void hotKeyInstalled();
 
+  void statusItemClicked();
   void togglePopover();
   void enterFloatingMode();
   void openGlobalQuickNotlet();
@@ -82,11 +83,16 @@ class NotletMacAppDelegate : public QObject {
   void revealMainAppForNavigation();
 
   [[nodiscard]] bool isFloatingMode() const;
+  /// The popover, or the panel that stands in for it in floating mode.
+  [[nodiscard]] bool isCaptureShown() const;
   [[nodiscard]] bool closedForThisClick() const;
   void postNextTurn(CommandName name);
 
   Surroundings m_surroundings;
   std::optional<SteadyClock::Time> m_popoverClosed;
+  /// When the status item was last clicked, and what for.
+  std::optional<SteadyClock::Time> m_clicked;
+  bool m_clickOpens = false;
   /// It was asked for and not refused.
   bool m_hasHotKey = false;
   /// Why there is no hot key.

@@ -36,6 +36,7 @@ class Journey(unittest.TestCase):
             self.desktop.environment[variable] = self.desktop.place(folder)
         os.makedirs(self.desktop.place())
         self.program = None
+        self.last_click = 0.0
 
     def tearDown(self):
         if self.program is not None and self.program.poll() is None:
@@ -191,7 +192,16 @@ class Journey(unittest.TestCase):
         self.assertEqual(len(self.items()), 1)
         return service
 
+    def await_single_click(self):
+        """A click sooner than this after another would be the second of a double click."""
+        time.sleep(max(0.0, self.last_click + 0.45 - time.monotonic()))
+        self.last_click = time.monotonic()
+
     def activate(self, service):
+        self.await_single_click()
+        self.tell_of_click(service)
+
+    def tell_of_click(self, service):
         self.desktop.call(service, "/StatusNotifierItem", ITEM, "Activate", GLib.Variant("(ii)", (100, 10)))
 
 

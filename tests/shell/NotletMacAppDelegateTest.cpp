@@ -46,6 +46,11 @@ class NotletMacAppDelegateTest : public ShellFixture {
     launch();
     center.post(CommandName::enterMacFloatingMode);
   }
+  /// Long after the last one.
+  void click() {
+    clock.time += milliseconds(1000);
+    Q_EMIT statusItem.clicked();
+  }
   static void nextTurn() {
     // The hot key takes a turn, and so does the focus after it.
     for (int turn = 0; turn < 2; ++turn)
@@ -118,21 +123,43 @@ TEST_F(NotletMacAppDelegateTest, TheMenuReachesTheOwner) {
 TEST_F(NotletMacAppDelegateTest, AClickOnTheStatusItemTogglesWhatIsShown) {
   launch();
   for (const bool shown : {true, false, true, false}) {
-    Q_EMIT statusItem.clicked();
+    click();
     EXPECT_EQ(surfaces.popoverShown, shown);
   }
   launchInFloatingMode();
   delegate->popoverClosedByItself();
   for (const bool expanded : {true, false, true}) {
-    Q_EMIT statusItem.clicked();
+    click();
     EXPECT_EQ(controller.isExpanded(), expanded);
   }
+}
+
+// Between the clicks the popover may close by itself, or stay.
+TEST_F(NotletMacAppDelegateTest, ADoubleClickOnTheStatusItemIsAsOne) {
+  for (const bool closesBetween : {true, false}) {
+    launch();
+    for (const bool shown : {true, false}) {
+      click();
+      if (surfaces.popoverShown && closesBetween) {
+        surfaces.closePopover();
+        delegate->popoverClosedByItself();
+      }
+      clock.time += milliseconds(400);
+      Q_EMIT statusItem.clicked();
+      EXPECT_EQ(surfaces.popoverShown, shown);
+    }
+  }
+  launchInFloatingMode();
+  click();
+  Q_EMIT statusItem.clicked();
+  EXPECT_TRUE(controller.isExpanded());
 }
 
 TEST_F(NotletMacAppDelegateTest, TheClickThatClosedThePopoverDoesNotReopenItButTheHotKeyDoes) {
   launch();
   for (const auto& [later, reopens] : {std::pair(0, false), std::pair(300, false), std::pair(301, true)}) {
     surfaces.closePopover();
+    clock.time += milliseconds(1000);
     delegate->popoverClosedByItself();
     clock.time += milliseconds(later);
     Q_EMIT statusItem.clicked();

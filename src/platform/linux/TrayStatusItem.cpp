@@ -123,7 +123,7 @@ void TrayStatusItem::makeIcon() {
   m_icon->setToolTip(QStringLiteral("Notlet"));
   m_icon->setContextMenu(m_menu.get());
   connect(m_icon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
-    if (reason == QSystemTrayIcon::Trigger)
+    if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
       Q_EMIT clicked();
     else if (reason == QSystemTrayIcon::MiddleClick)
       Q_EMIT quickNotletChosen();

@@ -25,8 +25,12 @@ PopoverWindow::PopoverWindow(AppSettings& settings, WindowSystem& windowSystem, 
   connect(&windowSystem, &WindowSystem::mousePressed, this, &PopoverWindow::handlePress);
 }
 
-void PopoverWindow::showAt(const QPoint& position) {
+void PopoverWindow::standAt(const QPoint& position, const QRect& anchor) {
+  m_anchor = anchor;
   move(position);
+}
+
+void PopoverWindow::open() {
   windowSystem().watchMouse(true);
   show();
   activate();
@@ -59,7 +63,7 @@ bool PopoverWindow::event(QEvent* event) {
 }
 
 void PopoverWindow::handlePress(const QPoint& position) {
-  if (!frameGeometry().contains(position) && !hasWindowOfItsOwn())
+  if (!frameGeometry().contains(position) && !m_anchor.contains(position) && !hasWindowOfItsOwn())
     closeBecause(CloseReason::pressedElsewhere);
 }
 

@@ -27,9 +27,11 @@ class PopoverWindow : public RoundedWindow {
   /// window.
   PopoverWindow(AppSettings& settings, WindowSystem& windowSystem, QWidget* content);
 
-  /// Shows the window with its upper left corner at the position (in Qt's screen coordinates) and gives it
-  /// the keyboard.
-  void showAt(const QPoint& position);
+  /// Shows the window where it stands and gives it the keyboard.
+  void open();
+  /// Puts the window's upper left corner at the position, in Qt's screen coordinates. What a press at the
+  /// anchor means is for whoever is there to say: it does not close the window.
+  void standAt(const QPoint& position, const QRect& anchor = {});
   /// Gives the keyboard to the window, which is shown already.
   void activate();
   void dismiss() { closeBecause(CloseReason::asked); }
@@ -50,6 +52,7 @@ class PopoverWindow : public RoundedWindow {
   /// Whether the user is busy with something that belongs to the window.
   [[nodiscard]] bool hasWindowOfItsOwn() const;
 
+  QRect m_anchor;
   /// A dialog of the window's own is up.
   bool m_isBlocked = false;
   /// Set while the window is on its way out.

@@ -14,11 +14,13 @@ ShellWindows::ShellWindows(const Surroundings& surroundings, QObject* parent)
 void ShellWindows::showPopover(bool itemWasClicked) {
   m_popover = &m_surroundings.popover();
   m_anchor = {m_surroundings.statusItem.area(), QCursor::pos(), itemWasClicked};
-  m_popover->showAt(popoverPlace());
+  placePopover();
+  m_popover->open();
 }
 
-QPoint ShellWindows::popoverPlace() const {
-  return popoverFrame(m_popover->size(), m_anchor, placementScreens()).topLeft();
+void ShellWindows::placePopover() {
+  const QRect frame = popoverFrame(m_popover->size(), m_anchor, placementScreens());
+  m_popover->standAt(frame.topLeft(), m_anchor.statusItem.value_or(QRect()));
 }
 
 void ShellWindows::followScreens() {
@@ -26,7 +28,7 @@ void ShellWindows::followScreens() {
   if (!isPopoverShown())
     return;
   m_anchor.statusItem = m_surroundings.statusItem.area();
-  m_popover->move(popoverPlace());
+  placePopover();
 }
 
 void ShellWindows::activatePopover() {

@@ -39,7 +39,7 @@ class ShellWindows final : public QObject, public ShellSurfaces {
 
  private:
   void followScreens();
-  [[nodiscard]] QPoint popoverPlace() const;
+  void placePopover();
 
   Surroundings m_surroundings;
   /// Null until it is first shown.

@@ -34,7 +34,8 @@ class PopoverWindowTest : public testing::Test {
     elsewhere.show();
     elsewhere.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&elsewhere));
-    window->showAt({200, 30});
+    window->standAt({200, 30}, {500, 0, 20, 20});
+    window->open();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     field->setFocus();
   }
@@ -88,9 +89,9 @@ TEST_F(PopoverWindowTest, ClosesOnceAndSaysWhy) {
   }
 }
 
-TEST_F(PopoverWindowTest, PressesInsideDoNotClose) {
+TEST_F(PopoverWindowTest, PressesInsideAndAtItsAnchorDoNotClose) {
   open();
-  for (const QPoint point : {QPoint(200, 30), QPoint(579, 289), QPoint(390, 160)})
+  for (const QPoint point : {QPoint(200, 30), QPoint(579, 289), QPoint(390, 160), QPoint(510, 10)})
     windowSystem.pressMouse(point);
   EXPECT_TRUE(window->isVisible());
 }
