@@ -253,7 +253,20 @@ void ArchiveBrowser::select(const Uuid& id) {
   });
 }
 
+/// What no notlet carries any more has no chip: as a filter it would be in force unseen.
+void ArchiveBrowser::leaveGoneHashtags() {
+  // Until all are loaded, a notlet that carries it may still come; and a change that fails is undone.
+  if (!list().isComplete() || m_isWriting)
+    return;
+  update([&](State& state) {
+    std::erase_if(state.selectedTags, [&](const auto& tag) { return !list().tallies().isUsed(tag); });
+    if (state.keyboardSection == Section::hashtags && usedHashtags().empty())
+      state.keyboardSection = Section::results;
+  });
+}
+
 void ArchiveBrowser::followEndOfSearch() {
+  leaveGoneHashtags();
   if (m_state.awaitsLastResult && knowsLastResult())
     return moveVertically(-1);
   Q_EMIT changed();
@@ -264,6 +277,7 @@ void ArchiveBrowser::followList() {
   // The text of a notlet that was deleted elsewhere, if it was changed here, stays as an orphaned edit.
   if (m_state.editingID && !m_isWriting && !list().find(*m_state.editingID))
     cancelEditing();
+  leaveGoneHashtags();
   Q_EMIT hashtagsChanged();
   // Suggestions and orphaned edits come from the list.
   if (m_state.editingID || !m_surroundings.unsavedEdits.texts().empty())

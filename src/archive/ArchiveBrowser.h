@@ -173,6 +173,7 @@ class ArchiveBrowser : public QObject {
 
   void followList();
   void followEndOfSearch();
+  void leaveGoneHashtags();
   void keepDraft(const Uuid& id, const std::string& draft) const;
   void closeEditor(State& state) const;
   void openEditor(const Uuid& id, std::string draft);

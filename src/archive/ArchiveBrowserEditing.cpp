@@ -85,6 +85,7 @@ void ArchiveBrowser::saveEdit(const Uuid& id) {
     return reportFailure("This notlet was not updated. Please try again.", saved.error());
   m_surroundings.unsavedEdits.forget(id);
   cancelEditing();
+  leaveGoneHashtags();
 }
 
 void ArchiveBrowser::cancelEditing() {
@@ -184,6 +185,7 @@ void ArchiveBrowser::deleteSelectedNotlet() {
       closeEditor(state);
     state.selectedID.reset();
   });
+  leaveGoneHashtags();
 }
 
 void ArchiveBrowser::reportFailure(std::string message, const Error& error) {

@@ -48,6 +48,11 @@ const std::vector<std::string>& HashtagTallies::usedHashtags() const {
   return m_usedHashtags;
 }
 
+bool HashtagTallies::isUsed(std::string_view tag) const {
+  const auto found = m_tallies.find(tag);
+  return found != m_tallies.end() && found->second.uses > 0;
+}
+
 std::vector<std::string> HashtagTallies::suggestions(std::string_view prefix, std::size_t limit) const {
   return HashtagSuggestionService::suggestions(prefix, usedHashtags(), limit);
 }

@@ -28,6 +28,8 @@ class HashtagTallies {
 
   /// As HashtagParser::writtenTag() writes them, most used first. Valid until the next change.
   [[nodiscard]] const std::vector<std::string>& usedHashtags() const;
+  /// The tag must be folded.
+  [[nodiscard]] bool isUsed(std::string_view tag) const;
   [[nodiscard]] std::vector<std::string> suggestions(std::string_view prefix, std::size_t limit) const;
 
  private:

@@ -137,7 +137,7 @@ TEST_F(ArchiveBrowserTest, UpSelectsTheLastResultOnceThatIsKnown) {
       {"up click-1", "note 4998", Section::results},
       {"search-49 up", "note 49", Section::results},
       {"search-zzz up", "-", Section::hashtags},
-      {"up field turn", "-", Section::search},
+      {"up field", "-", Section::search},
   };
   for (const auto& [steps, selected, section] : cases) {
     SCOPED_TRACE(steps);
@@ -172,6 +172,38 @@ TEST_F(ArchiveBrowserTest, HashtagsNarrowTheListTogetherAndInAnyLetterCase) {
   EXPECT_THAT(results(), ElementsAre("b #work #HOME"));
   browser->toggleTag("work");
   EXPECT_THAT(results(), ElementsAre("b #work #HOME", "c #home"));
+}
+
+TEST_F(ArchiveBrowserTest, AFilterGoesWithTheLastNotletThatCarriesItsHashtag) {
+  const auto ids = fill({"a #work", "b #home", "c"});
+  play("chip-0 down delete");
+  breakStore();
+  browser->deleteSelectedNotlet();
+  EXPECT_THAT(state().selectedTags, ElementsAre("work")) << "it failed";
+  mendStore();
+  browser->deleteSelectedNotlet();
+  EXPECT_THAT(results(), ElementsAre("b #home", "c"));
+  play("chip-0");
+  browser->beginEditing(ids[1]);
+  browser->setEditDraft("b");
+  play("save");
+  EXPECT_THAT(results(), ElementsAre("b", "c"));
+  EXPECT_EQ(state().keyboardSection, Section::results) << "there are no hashtags to walk through";
+}
+
+// That one is not loaded yet says nothing.
+TEST_F(ArchiveBrowserTest, AFilterWaitsForTheOldestNotlets) {
+  std::vector<NotletEntry> notlets;
+  for (int second = 0; second < 1000; ++second)
+    notlets.push_back(notletAt(second));
+  notlets[0].hashtags = {"old"};
+  storeElsewhere(notlets);
+  start();
+  ASSERT_FALSE(context->isComplete());
+  browser->toggleTag("old");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return browser->resultCount() == 1; }));
+  storeElsewhere({}, {notlets[0].id});
+  EXPECT_TRUE(QTest::qWaitFor([&] { return browser->resultCount() == 999; }));
 }
 
 TEST_F(ArchiveBrowserTest, TypingSearchesTheHashtags) {
