@@ -13,6 +13,7 @@
 #include "platform/linux/SingleInstance.h"
 #include "platform/linux/SuddenExit.h"
 #include "platform/linux/TerminationSignals.h"
+#include "widgets/Alert.h"
 #include "widgets/NotletStyle.h"
 #include "widgets/TextConversion.h"
 
@@ -22,6 +23,14 @@ namespace {
 int report(const std::string& message, int status) {
   std::fprintf(stderr, "notlet-desktop: %s\n", message.c_str());
   return status;
+}
+
+/// For whoever started the program without a terminal; gives the status to end with.
+int showRefusal(const std::string& reason) {
+  Alert* alert = Alert::message(nullptr, QStringLiteral("Notlet could not be opened"), fromUtf8(reason));
+  QObject::connect(alert, &Alert::finished, [] { QCoreApplication::exit(1); });
+  alert->open();
+  return QApplication::exec();
 }
 
 /// What the command line asks for; nothing when the program is to start without showing a window.
@@ -110,18 +119,20 @@ int main(int argc, char** argv) {
     return report(request.error().message, 2);
   const Places places = Places::fromEnvironment();
   const std::optional<LaunchRequest>& asked = *request;
-  const auto directory = instanceDirectory(places);
-  // Without a place for a socket only the bus knows of another Notlet.
-  if (!directory && asked && BusApplication::handOver(*asked, std::chrono::seconds(1)))
-    return 0;
-  SingleInstance instance(directory);
+  SingleInstance instance(instanceDirectories(places));
   const auto role = instance.start(asked);
-  if (!role)
-    return report(role.error().message, 1);
-  if (*role == SingleInstance::Role::HandedOver)
+  if (role == SingleInstance::Role::HandedOver)
+    return 0;
+  // Where no socket tells, the bus may know of another Notlet.
+  if (role != SingleInstance::Role::First && asked &&
+      BusApplication::handOver(*asked, std::chrono::seconds(1)))
     return 0;
 
   QApplication::setStyle(new NotletStyle); // The application takes it over.
+  if (!role) {
+    report(role.error().message, 1);
+    return asked ? showRefusal(role.error().message) : 1;
+  }
   NotletMacApp app(places);
   const SuddenExit keepDrafts([&app] { app.keepDrafts(); });
   QObject::connect(&instance, &SingleInstance::requested, &app, &NotletMacApp::handle);

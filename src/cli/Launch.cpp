@@ -23,10 +23,11 @@ CommandResult<LaunchRequest> requestFor(const CommandLine& line) {
 }
 
 CommandResult<HandOver> handToRunning(const LaunchRequest& request) {
-  const auto directory = instanceDirectory(Places::fromEnvironment());
-  if (!directory)
-    return HandOver::nobodyThere;
-  return handOver(request, instanceSocket(*directory));
+  for (const auto& directory : instanceDirectories(Places::fromEnvironment()))
+    if (const auto outcome = handOver(request, instanceSocket(directory));
+        !outcome || *outcome == HandOver::accepted)
+      return outcome;
+  return HandOver::nobodyThere;
 }
 
 } // namespace

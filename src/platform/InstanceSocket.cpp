@@ -1,16 +1,16 @@
 #include "platform/InstanceSocket.h"
 
-#include <sys/socket.h>
+#include <fcntl.h>
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
 
-#include "platform/Descriptor.h"
 #include "platform/LaunchMessage.h"
 
 namespace notlet {
@@ -73,24 +73,28 @@ std::optional<std::string> receiveAnswer(int connection) {
 
 } // namespace
 
-std::optional<std::filesystem::path> instanceDirectory(const Places& places) {
-  if (!places.runtime)
-    return std::nullopt;
-  return *places.runtime / "notlet";
+std::vector<std::filesystem::path> instanceDirectories(const Places& places) {
+  std::vector<std::filesystem::path> directories;
+  if (places.runtime)
+    directories.push_back(*places.runtime / "notlet");
+  if (places.state)
+    directories.push_back(*places.state);
+  return directories;
 }
 
 std::filesystem::path instanceSocket(const std::filesystem::path& directory) {
   return directory / "notlet.socket";
 }
 
-std::optional<sockaddr_un> socketAddress(const std::filesystem::path& socket) {
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  const std::string& text = socket.native();
-  if (text.size() >= sizeof address.sun_path)
-    return std::nullopt;
-  std::memcpy(address.sun_path, text.c_str(), text.size() + 1);
-  return address;
+SocketAddress::SocketAddress(const std::filesystem::path& socket) {
+  m_address.sun_family = AF_UNIX;
+  std::string text = socket.native();
+  if (text.size() >= sizeof m_address.sun_path) {
+    m_folder = Descriptor(open(socket.parent_path().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    text = "/proc/self/fd/" + std::to_string(m_folder.number()) + "/" + socket.filename().native();
+  }
+  // A name that is too long by itself becomes one of no file.
+  std::memcpy(m_address.sun_path, text.c_str(), std::min(text.size(), sizeof m_address.sun_path - 1));
 }
 
 bool isOwnProcess(int connection) {
@@ -104,15 +108,13 @@ Result<HandOver> handOver(const LaunchRequest& request, const std::filesystem::p
   const Result<std::string> message = encodeLaunchMessage(request);
   if (!message)
     return std::unexpected(message.error());
-  const auto address = socketAddress(socket);
+  const SocketAddress address(socket);
   const Descriptor connection(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-  if (!address || !connection.isOpen())
+  if (!connection.isOpen())
     return HandOver::nobodyThere;
   const int number = connection.number();
   limitWaiting(number, patience);
-  if (uninterrupted([&] {
-        return connect(number, reinterpret_cast<const sockaddr*>(&*address), sizeof *address);
-      }) != 0) {
+  if (uninterrupted([&] { return connect(number, address.data(), address.size()); }) != 0) {
     if (errno == EAGAIN) // Nobody took the connections that wait already.
       return silence();
     return HandOver::nobodyThere;

@@ -5,20 +5,35 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <sys/socket.h>
 #include <sys/un.h>
+#include <vector>
 
 #include "core/Error.h"
+#include "platform/Descriptor.h"
 #include "platform/LaunchRequest.h"
 #include "platform/Places.h"
 
 namespace notlet {
 
-/// Holds lock and socket of the running program; nothing when the desktop offers no place for them.
-[[nodiscard]] std::optional<std::filesystem::path> instanceDirectory(const Places& places);
+/// The folders in which the running program has a lock and a socket: one that belongs to the session, and the
+/// one that holds the drafts, since another session may use the same. Empty when the desktop offers neither.
+[[nodiscard]] std::vector<std::filesystem::path> instanceDirectories(const Places& places);
 [[nodiscard]] std::filesystem::path instanceSocket(const std::filesystem::path& directory);
 
-/// The address of a socket file; nothing when the path is longer than an address may be.
-[[nodiscard]] std::optional<sockaddr_un> socketAddress(const std::filesystem::path& socket);
+/// The address of a socket file, good as long as this object lives.
+class SocketAddress {
+ public:
+  explicit SocketAddress(const std::filesystem::path& socket);
+
+  [[nodiscard]] const sockaddr* data() const { return reinterpret_cast<const sockaddr*>(&m_address); }
+  [[nodiscard]] static socklen_t size() { return sizeof(sockaddr_un); }
+
+ private:
+  /// Open when the path is too long for an address.
+  Descriptor m_folder;
+  sockaddr_un m_address{};
+};
 
 /// Whether the process at the other end of a connection runs for the same user as this one.
 [[nodiscard]] bool isOwnProcess(int connection);

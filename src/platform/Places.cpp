@@ -1,6 +1,8 @@
 #include "platform/Places.h"
 
 #include <cstdlib>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace notlet {
 
@@ -10,6 +12,12 @@ std::optional<std::filesystem::path> absolutePath(const char* value) {
   if (value == nullptr || *value != '/')
     return std::nullopt;
   return std::filesystem::path(value);
+}
+
+/// After `su` and the like the variable may still name somebody else's.
+bool isOwnDirectory(const std::filesystem::path& path) {
+  struct stat status{};
+  return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid();
 }
 
 } // namespace
@@ -30,8 +38,8 @@ Places Places::fromEnvironment() {
   if (home)
     places.configuration = *home / ".config" / "notlet";
   places.runtime = absolutePath(std::getenv("XDG_RUNTIME_DIR"));
-  if (!places.runtime)
-    places.runtime = places.state;
+  if (places.runtime && !isOwnDirectory(*places.runtime))
+    places.runtime.reset();
   return places;
 }
 

@@ -15,7 +15,7 @@ struct Places {
   std::optional<std::filesystem::path> configuration;
   /// Holds the settings of dictation; `$XDG_CONFIG_HOME/notlet`.
   std::optional<std::filesystem::path> settings;
-  /// Holds the socket through which a second start reaches the first; `$XDG_RUNTIME_DIR`, else `state`.
+  /// Belongs to the session; `$XDG_RUNTIME_DIR` where that is a folder of the user's own.
   std::optional<std::filesystem::path> runtime;
 
   /// Reads HOME and the XDG variables; relative paths in them do not count, as the XDG rules ask.

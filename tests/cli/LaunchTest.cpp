@@ -76,9 +76,12 @@ TEST_F(LaunchTest, startsTheProgramWhenNoneRuns) {
   EXPECT_EQ(std::distance(begin(files), end(files)), 1);
 }
 
-TEST_F(LaunchTest, findsTheRunningProgramWithoutARuntimeDirectory) {
-  notlet.environment.erase("XDG_RUNTIME_DIR");
-  const FakeInstance running(notlet.home() / ".local/state/notlet/notlet/notlet.socket");
+TEST_F(LaunchTest, findsTheRunningProgramOfAnotherSession) {
+  // The session's folder is there, with what a program left that has ended.
+  {
+    const FakeInstance ended(socket());
+  }
+  const FakeInstance running(notlet.home() / ".local/state/notlet/notlet.socket");
   EXPECT_EQ(notlet.succeed({"capture"}).output, "");
   EXPECT_EQ(running.requests().size(), 1U);
 }

@@ -1,4 +1,5 @@
 """How starts reach the running program: a second start, the command line, links, and what is none of these."""
+import contextlib
 import fcntl
 import os
 import random
@@ -25,17 +26,9 @@ class LaunchJourney(Journey):
         os.kill(process, signal.SIGTERM)
         await_value(lambda: not self.running(), "the program to end")
 
-    def place(self, name):
-        return os.path.join(self.desktop.environment["XDG_RUNTIME_DIR"], "notlet", name)
-
     def running(self):
-        if not os.path.exists(self.place("notlet.lock")):
-            return False
-        with open(self.place("notlet.lock"), "rb") as lock:
-            try:
-                fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
-            except BlockingIOError:
-                return True
+        with contextlib.suppress(FileNotFoundError, ConnectionRefusedError), self.connect():
+            return True
         return False
 
     def desktop_program(self, *arguments, **environment):
@@ -55,7 +48,7 @@ class LaunchJourney(Journey):
     def connect(self):
         peer = socket.socket(socket.AF_UNIX)
         peer.settimeout(15)
-        peer.connect(self.place("notlet.socket"))
+        peer.connect(os.path.join(self.desktop.environment["XDG_RUNTIME_DIR"], "notlet", "notlet.socket"))
         return peer
 
     def test_every_way_to_start_reaches_the_running_program(self):
@@ -63,6 +56,8 @@ class LaunchJourney(Journey):
         for window, start in (("Notlet", lambda: self.assertEqual(self.desktop_program(), (0, ""))),
                               ("Notlet", lambda: self.assertEqual(self.desktop_program("notlet:x"), (0, ""))),
                               ("Quick Notlet", lambda: self.assertEqual(self.desktop_program("--capture"), (0, ""))),
+                              # From a session of another kind.
+                              ("Notlet", lambda: self.assertEqual(self.desktop_program(XDG_RUNTIME_DIR="")[0], 0)),
                               ("Quick Notlet", lambda: self.desktop.notlet("capture")),
                               ("Notlet", self.desktop.notlet),
                               ("Notlet", lambda: self.desktop.notlet("open", "notlet:anything/at?all"))):
@@ -73,6 +68,15 @@ class LaunchJourney(Journey):
         self.assertEqual(len(self.desktop.windows("^Notlet$")), 1)
         self.desktop.type("still here")
         self.await_text("still here")
+
+    def test_one_that_cannot_be_reached_is_told(self):
+        os.makedirs(self.desktop.place("state", "notlet"))
+        with open(self.desktop.place("state", "notlet", "notlet.lock"), "w") as lock:
+            fcntl.flock(lock, fcntl.LOCK_EX)
+            self.program = self.desktop.start([os.path.join(PROGRAMS, "notlet-desktop")])
+            self.desktop.control("label", "Notlet could not be opened")
+            self.desktop.keys("Return")
+            self.assertEqual(self.program.wait(10), 1)
 
     def test_the_command_line_starts_the_program(self):
         for window, words in (("Notlet", ()), ("Quick Notlet", ("capture",)), ("Notlet", ("open", "notlet:x"))):

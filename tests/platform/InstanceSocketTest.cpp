@@ -49,6 +49,23 @@ TEST_F(InstanceSocketTest, FindsNobodyWhereNobodyListens) {
   EXPECT_EQ(handOver({}, directory.path() / "ending"), HandOver::nobodyThere);
 }
 
+TEST_F(InstanceSocketTest, LooksIntoTheSessionsFolderOnlyWhenItIsTheUsersOwn) {
+  const std::filesystem::path run = directory.path() / "run";
+  qputenv("XDG_STATE_HOME", directory.path().c_str());
+  qputenv("XDG_RUNTIME_DIR", run.c_str());
+  const std::vector besideTheDrafts{directory.path() / "notlet"};
+  const auto directories = [] { return instanceDirectories(Places::fromEnvironment()); };
+  EXPECT_EQ(directories(), besideTheDrafts);
+  std::ofstream(run) << "a file";
+  EXPECT_EQ(directories(), besideTheDrafts);
+  std::filesystem::remove(run);
+  std::filesystem::create_directory(run);
+  EXPECT_EQ(directories(), (std::vector{run / "notlet", besideTheDrafts[0]}));
+  if (chown(run.c_str(), 65534, -1) == 0) {
+    EXPECT_EQ(directories(), besideTheDrafts);
+  }
+}
+
 TEST_F(InstanceSocketTest, DoesNotWaitForever) {
   const FakeInstance stuck(socket, std::nullopt, FakeInstance::Reads::nothing);
   for (const std::size_t length : {std::size_t{10}, std::size_t{4'000'000}}) {

@@ -29,9 +29,8 @@ class FakeInstance {
         m_reads(reads),
         m_listener(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
     std::filesystem::create_directories(socket.parent_path());
-    const auto address = socketAddress(socket);
-    if (!address ||
-        bind(m_listener.number(), reinterpret_cast<const sockaddr*>(&*address), sizeof *address) != 0 ||
+    const SocketAddress address(socket);
+    if (bind(m_listener.number(), address.data(), address.size()) != 0 ||
         listen(m_listener.number(), 16) != 0)
       throw std::runtime_error("no socket for the test");
     m_thread = std::thread([this] { serve(); });

@@ -33,12 +33,9 @@ using namespace std::chrono_literals;
 class RawPeer {
  public:
   explicit RawPeer(const std::filesystem::path& socket)
-      : m_socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)),
-        m_address(*socketAddress(socket)) {}
+      : m_socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)), m_address(socket) {}
 
-  bool dial() {
-    return connect(m_socket.number(), reinterpret_cast<const sockaddr*>(&m_address), sizeof m_address) == 0;
-  }
+  bool dial() { return connect(m_socket.number(), m_address.data(), m_address.size()) == 0; }
 
   /// Sends as much as there is room for, and takes what came back.
   void exchange(std::string_view& bytes) {
@@ -67,7 +64,7 @@ class RawPeer {
 
  private:
   Descriptor m_socket;
-  sockaddr_un m_address;
+  SocketAddress m_address;
   std::string m_answer;
   bool m_isHungUp = false;
 };
@@ -88,7 +85,11 @@ class SingleInstanceTest : public testing::Test {
   }
 
   [[nodiscard]] Result<Role> startLater(const std::optional<LaunchRequest>& request) const {
-    return meanwhile([&] { return SingleInstance(place).start(request); });
+    return startLater({place}, request);
+  }
+  [[nodiscard]] static Result<Role> startLater(const std::vector<std::filesystem::path>& places,
+                                               const std::optional<LaunchRequest>& request) {
+    return meanwhile([&] { return SingleInstance(places).start(request); });
   }
 
   static LaunchRequest requestIn(const QSignalSpy& spy, qsizetype index) {
@@ -104,7 +105,7 @@ class SingleInstanceTest : public testing::Test {
 } // namespace
 
 TEST_F(SingleInstanceTest, LaterStartsHandOverWhatTheyAreAskedFor) {
-  SingleInstance first(place);
+  SingleInstance first({place});
   ASSERT_EQ(first.start(activation), Role::First);
   const QSignalSpy spy(&first, &SingleInstance::requested);
   const std::vector<LaunchRequest> requests{
@@ -125,10 +126,10 @@ TEST_F(SingleInstanceTest, LaterStartsHandOverWhatTheyAreAskedFor) {
 
 TEST_F(SingleInstanceTest, AnEndedInstanceLeavesThePlaceToTheNext) {
   {
-    SingleInstance first(place);
+    SingleInstance first({place});
     ASSERT_EQ(first.start(activation), Role::First);
   }
-  EXPECT_EQ(SingleInstance(place).start(activation), Role::First);
+  EXPECT_EQ(SingleInstance({place}).start(activation), Role::First);
 }
 
 // A crash leaves both files behind.
@@ -136,29 +137,53 @@ TEST_F(SingleInstanceTest, FilesWithoutAnInstanceAreNoInstance) {
   std::filesystem::create_directories(place);
   std::ofstream(place / "notlet.lock") << "";
   std::ofstream(place / "notlet.socket") << "";
-  SingleInstance instance(place);
+  SingleInstance instance({place});
   EXPECT_EQ(instance.start(activation), Role::First);
   EXPECT_EQ(std::filesystem::status(place).permissions(), std::filesystem::perms::owner_all);
 }
 
-TEST_F(SingleInstanceTest, SaysWhatIsWrongWithThePlace) {
-  std::ofstream(directory.path() / "run") << "a file";
-  const auto blocked = SingleInstance(place).start(activation);
-  ASSERT_FALSE(blocked);
-  EXPECT_NE(blocked.error().message.find("run"), std::string::npos);
-  const auto tooLong = SingleInstance(directory.path() / std::string(200, 'x')).start(activation);
-  ASSERT_FALSE(tooLong);
-  EXPECT_NE(tooLong.error().message.find("too long"), std::string::npos);
+// Sessions see different places; what they share decides, and its path may be longer than an address.
+TEST_F(SingleInstanceTest, IsTheOnlyOneInEachOfItsPlaces) {
+  const std::filesystem::path drafts = directory.path() / std::string(200, 'x');
+  const std::filesystem::path otherDrafts = directory.path() / "other";
+  const std::filesystem::path otherSession = directory.path() / "run2";
+  SingleInstance first({place, drafts});
+  ASSERT_EQ(first.start(activation), Role::First);
+  const QSignalSpy spy(&first, &SingleInstance::requested);
+  for (const auto& places : std::vector<std::vector<std::filesystem::path>>{
+           {drafts}, {otherSession, drafts}, {place, otherDrafts}, {place}}) {
+    EXPECT_EQ(startLater(places, activation), Role::HandedOver);
+    EXPECT_EQ(startLater(places, std::nullopt), Role::HandedOver);
+  }
+  EXPECT_EQ(spy.count(), 4);
+  EXPECT_EQ(SingleInstance({otherSession, otherDrafts}).start(activation), Role::First);
 }
 
-TEST_F(SingleInstanceTest, WithoutAPlaceEveryStartIsAFirst) {
-  SingleInstance first(std::nullopt);
+TEST_F(SingleInstanceTest, PassesOverAPlaceThatCannotBeUsed) {
+  std::ofstream(directory.path() / "file") << "";
+  const std::filesystem::path unusable = directory.path() / "file" / "notlet";
+  EXPECT_EQ(SingleInstance({unusable}).start(activation), Role::Unguarded);
+  EXPECT_EQ(SingleInstance({}).start(activation), Role::Unguarded);
+  SingleInstance first({unusable, place});
   EXPECT_EQ(first.start(activation), Role::First);
-  EXPECT_EQ(SingleInstance(std::nullopt).start(activation), Role::First);
+  EXPECT_EQ(startLater(activation), Role::HandedOver);
+}
+
+// On another computer with the same home folder, say.
+TEST_F(SingleInstanceTest, LeavesOneAloneThatItCannotReach) {
+  SingleInstance first({place});
+  ASSERT_EQ(first.start(activation), Role::First);
+  std::filesystem::remove(socket);
+  const std::filesystem::path session = directory.path() / "run2";
+  SingleInstance second({session, place}, {.withTheFirst = 50ms});
+  const auto role = second.start(activation);
+  ASSERT_FALSE(role);
+  EXPECT_NE(role.error().message.find("cannot be reached"), std::string::npos);
+  EXPECT_EQ(SingleInstance({session}).start(activation), Role::First) << "it holds nothing";
 }
 
 TEST_F(SingleInstanceTest, RefusesWhatIsNoRequestAndGoesOn) {
-  SingleInstance first(place);
+  SingleInstance first({place});
   ASSERT_EQ(first.start(activation), Role::First);
   const QSignalSpy spy(&first, &SingleInstance::requested);
   std::mt19937 random(4);
@@ -180,7 +205,7 @@ TEST_F(SingleInstanceTest, RefusesWhatIsNoRequestAndGoesOn) {
 }
 
 TEST_F(SingleInstanceTest, ForgetsWhoHangsUpBeforeTheEnd) {
-  SingleInstance first(place);
+  SingleInstance first({place});
   ASSERT_EQ(first.start(activation), Role::First);
   const QSignalSpy spy(&first, &SingleInstance::requested);
   const std::string message = *encodeLaunchMessage({Kind::open, {"notlet:x"}, ""});
@@ -197,7 +222,7 @@ TEST_F(SingleInstanceTest, ForgetsWhoHangsUpBeforeTheEnd) {
 }
 
 TEST_F(SingleInstanceTest, DoesNotWaitForOneThatNeverFinishes) {
-  SingleInstance first(place, 30ms);
+  SingleInstance first({place}, {.withPeers = 30ms});
   ASSERT_EQ(first.start(activation), Role::First);
   for (const std::string_view beginning : {std::string_view(), std::string_view("NLT1\0\0\1", 7)}) {
     RawPeer peer(socket);
@@ -207,7 +232,7 @@ TEST_F(SingleInstanceTest, DoesNotWaitForOneThatNeverFinishes) {
 }
 
 TEST_F(SingleInstanceTest, ManySilentPeersDoNotKeepAStartOut) {
-  SingleInstance first(place, 1h);
+  SingleInstance first({place}, {.withPeers = 1h});
   ASSERT_EQ(first.start(activation), Role::First);
   std::vector<std::unique_ptr<RawPeer>> silent;
   for (int count = 0; count < 100; ++count) {
@@ -224,7 +249,7 @@ TEST_F(SingleInstanceTest, ManySilentPeersDoNotKeepAStartOut) {
 
 TEST_F(SingleInstanceTest, ManyStartsAtOnceAreAllHeard) {
   constexpr int starts = 60;
-  SingleInstance first(place);
+  SingleInstance first({place});
   ASSERT_EQ(first.start(activation), Role::First);
   const QSignalSpy spy(&first, &SingleInstance::requested);
   const int accepted = meanwhile([&] {
@@ -246,7 +271,7 @@ TEST_F(SingleInstanceTest, ManyStartsAtOnceAreAllHeard) {
 TEST_F(SingleInstanceTest, HearsNoOtherUser) {
   if (geteuid() != 0)
     GTEST_SKIP() << "Only root can be two users.";
-  SingleInstance first(place);
+  SingleInstance first({place});
   ASSERT_EQ(first.start(activation), Role::First);
   const QSignalSpy spy(&first, &SingleInstance::requested);
   for (const auto& path : {directory.path(), place.parent_path(), place, socket})
@@ -264,7 +289,7 @@ TEST_F(SingleInstanceTest, WaitsQuietlyForAFreeDescriptor) {
 #ifdef __SANITIZE_ADDRESS__
   GTEST_SKIP() << "The sanitizer itself needs free descriptors.";
 #endif
-  SingleInstance first(place);
+  SingleInstance first({place});
   ASSERT_EQ(first.start(activation), Role::First);
   RawPeer peer(socket);
   rlimit limit{};
