@@ -78,8 +78,8 @@ NotletMacApp::NotletMacApp(const Places& places)
       m_unsavedEdits(editDirectory(places), m_scheduler),
       m_windowLife(m_defaults),
       m_desktopLimits(m_defaults) {
-  if (isStoreOpen())
-    makeRules(m_storage.container()->mainContext());
+  if (ModelContext* context = m_storage.context())
+    makeRules(*context);
   makeWindows();
   m_delegate = std::make_unique<NotletMacAppDelegate>(NotletMacAppDelegate::Surroundings{
       *m_shellWindows, m_floatingPanelController.get(), m_notificationCenter, m_coordinator,
@@ -103,8 +103,21 @@ NotletMacApp::~NotletMacApp() {
   m_archiveIndex.reset();
 }
 
-bool NotletMacApp::isStoreOpen() {
-  return m_storage.container() != nullptr;
+bool NotletMacApp::showsScreens() const {
+  return m_storage.container() != nullptr || m_storage.isAwaited();
+}
+
+// What was typed in screens that go away stays in their rules.
+void NotletMacApp::followStorage() {
+  if (m_storage.container() && !m_floatingPanelController) {
+    makeFloatingPanel();
+    m_delegate->setFloatingPanelController(*m_floatingPanelController);
+  }
+  if (std::exchange(m_showsScreens, showsScreens()) && m_showsScreens)
+    return;
+  m_mainContent->renew();
+  if (m_popoverContent)
+    m_popoverContent->renew();
 }
 
 void NotletMacApp::makeRules(ModelContext& context) {
@@ -126,12 +139,14 @@ void NotletMacApp::makeComposer(Capture& capture, ModelContext& context, Capture
 }
 
 void NotletMacApp::makeWindows() {
-  m_mainWindow = std::make_unique<MainWindow>(m_settings, makeMainContent());
+  m_showsScreens = showsScreens();
+  m_mainContent = new ContentSlot([this] { return makeMainContent(); });
+  m_mainWindow = std::make_unique<MainWindow>(m_settings, m_mainContent);
   m_focusedWidget.setMainWindow(m_mainWindow.get());
   m_shellWindows = std::make_unique<ShellWindows>(
       ShellWindows::Surroundings{*m_mainWindow, [this]() -> PopoverWindow& { return popover(); },
                                  m_desktop.statusItem(), m_desktop.windowSystem(), m_desktop.screens()});
-  if (isStoreOpen())
+  if (m_storage.container())
     makeFloatingPanel();
 }
 
@@ -147,7 +162,7 @@ void NotletMacApp::makeFloatingPanel() {
 }
 
 QWidget* NotletMacApp::makeMainContent() {
-  if (!isStoreOpen())
+  if (!showsScreens())
     return new MacStorageUnavailableView(m_storage.errorDescription());
   return new MacMainView(m_navigation, [this](MacSection section) { return makeSection(section); });
 }
@@ -174,7 +189,9 @@ QWidget* NotletMacApp::makeThemes() {
 PopoverWindow& NotletMacApp::popover() {
   if (m_popover)
     return *m_popover;
-  m_popover = std::make_unique<PopoverWindow>(m_settings, m_desktop.windowSystem(), makePopoverContent());
+  m_popoverContent = new ContentSlot([this] { return makePopoverContent(); });
+  m_popover = std::make_unique<PopoverWindow>(m_settings, m_desktop.windowSystem(), m_popoverContent);
+  connect(m_popoverContent, &ContentSlot::renewed, m_popover.get(), &PopoverWindow::fit);
   addProgramKeys(m_popover.get());
   connect(m_popover.get(), &PopoverWindow::closed, m_delegate.get(),
           [this](PopoverWindow::CloseReason reason) {
@@ -186,7 +203,7 @@ PopoverWindow& NotletMacApp::popover() {
 }
 
 QWidget* NotletMacApp::makePopoverContent() {
-  if (!isStoreOpen())
+  if (!showsScreens())
     return new MacStorageUnavailableView(m_storage.errorDescription());
   return new MacCaptureView(
       *m_popoverCapture.composer,
@@ -220,6 +237,7 @@ QWidget* NotletMacApp::makePanelContent() {
 
 void NotletMacApp::connectWindows() {
   addProgramKeys(m_mainWindow.get());
+  connect(&m_storage, &MacStorage::changed, this, &NotletMacApp::followStorage);
   connect(m_mainWindow.get(), &MainWindow::closeRequested, this, &NotletMacApp::closeMainWindow);
   connect(m_delegate.get(), &NotletMacAppDelegate::quitRequested, this, &NotletMacApp::quit);
   connect(m_delegate.get(), &NotletMacAppDelegate::settingsRequested, this, &NotletMacApp::openSettings);
@@ -369,6 +387,9 @@ void NotletMacApp::publishFlags(const ArchiveKeyboardFlags& flags) {
 }
 
 void NotletMacApp::reportStoreFailure(const QString& reason) {
+  // Without a store that is open the windows themselves say so.
+  if (!m_storage.container())
+    return;
   Alert::message(m_mainWindow.get(), QStringLiteral("Notlet storage is unavailable"), reason)->open();
 }
 

@@ -27,6 +27,7 @@
 #include "shell/MacFloatingPanelController.h"
 #include "shell/NotletMacAppDelegate.h"
 #include "shell/WindowLife.h"
+#include "shell/ui/ContentSlot.h"
 #include "shell/ui/FloatingPanelWindows.h"
 #include "shell/ui/MainWindow.h"
 #include "shell/ui/PopoverWindow.h"
@@ -77,7 +78,8 @@ class NotletMacApp : public QObject {
   [[nodiscard]] QWidget* makePopoverContent();
   [[nodiscard]] QWidget* makeBubble();
   [[nodiscard]] QWidget* makePanelContent();
-  [[nodiscard]] bool isStoreOpen();
+  [[nodiscard]] bool showsScreens() const;
+  void followStorage();
 
   void connectWindows();
   void addProgramKeys(QWidget* window);
@@ -128,6 +130,10 @@ class NotletMacApp : public QObject {
   DesktopLimits m_desktopLimits;
   /// What became of the program when its window was closed, until the user has read it (UTF-8).
   std::string m_explanation;
+  // What the windows show instead when there is no store. The windows own them.
+  ContentSlot* m_mainContent = nullptr;
+  ContentSlot* m_popoverContent = nullptr;
+  bool m_showsScreens = false;
   std::unique_ptr<MainWindow> m_mainWindow;
   std::unique_ptr<PopoverWindow> m_popover;
   /// Made when it is first asked for.

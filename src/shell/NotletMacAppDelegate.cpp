@@ -28,13 +28,18 @@ const char* message(GlobalHotKey::Failure failure) {
 
 NotletMacAppDelegate::NotletMacAppDelegate(const Surroundings& surroundings, QObject* parent)
     : QObject(parent), m_surroundings(surroundings) {
+  if (m_surroundings.floatingPanelController)
+    setFloatingPanelController(*m_surroundings.floatingPanelController);
+}
+
+void NotletMacAppDelegate::setFloatingPanelController(MacFloatingPanelController& controller) {
+  m_surroundings.floatingPanelController = &controller;
+  connect(&controller, &MacFloatingPanelController::mainAppRequested, this,
+          &NotletMacAppDelegate::activateMainWindow);
 }
 
 void NotletMacAppDelegate::applicationDidFinishLaunching(const std::optional<LaunchRequest>& request) {
   listenToStatusItem();
-  if (m_surroundings.floatingPanelController)
-    connect(m_surroundings.floatingPanelController, &MacFloatingPanelController::mainAppRequested, this,
-            &NotletMacAppDelegate::activateMainWindow);
   configureGlobalQuickNotletHotKey();
   observeCommands();
   if (!request)

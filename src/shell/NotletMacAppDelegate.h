@@ -27,7 +27,7 @@ class NotletMacAppDelegate : public QObject {
   /// All must outlive the delegate.
   struct Surroundings {
     ShellSurfaces& surfaces;
-    /// Null when the store is not open; then there is no floating mode at all.
+    /// Null while the store is not open; until then there is no floating mode at all.
     MacFloatingPanelController* floatingPanelController;
     NotificationCenter& notificationCenter;
     MacShortcutCoordinator& coordinator;
@@ -42,6 +42,8 @@ class NotletMacAppDelegate : public QObject {
   /// Starts to listen, asks for the hot key and does what the program was started for: the main window comes
   /// forward, unless only the quick capture is asked for, or nothing at all.
   void applicationDidFinishLaunching(const std::optional<LaunchRequest>& request = LaunchRequest());
+  /// The store has been opened. The controller must outlive the delegate.
+  void setFloatingPanelController(MacFloatingPanelController& controller);
   /// Brings edits of the shortcut file by hand into force, and asks again for a hot key that was taken.
   void applicationDidBecomeActive();
   /// Gives the hot key back.

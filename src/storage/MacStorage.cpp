@@ -3,6 +3,8 @@
 namespace notlet {
 namespace {
 
+constexpr std::chrono::seconds patience{2};
+
 std::optional<std::filesystem::path>& sharedDirectory() {
   static std::optional<std::filesystem::path> directory;
   return directory;
@@ -10,12 +12,45 @@ std::optional<std::filesystem::path>& sharedDirectory() {
 
 } // namespace
 
-MacStorage::MacStorage(const std::optional<std::filesystem::path>& dataDirectory) {
-  auto container = SharedModelContainer::make([&] { return dataDirectory; }, true, false);
-  if (container)
-    m_container = std::move(*container);
-  else
+MacStorage::MacStorage(const std::optional<std::filesystem::path>& dataDirectory, QObject* parent)
+    : QObject(parent) {
+  auto container = SharedModelContainer::prepare([&] { return dataDirectory; }, true, false);
+  if (!container) {
     m_errorDescription = std::move(container.error().message);
+    return;
+  }
+  m_container = std::move(*container);
+  if (context()->isOpen())
+    return;
+  // A save may have opened it; whoever hears of it may put its screen away.
+  connect(context(), &ModelContext::hasOpened, this, &MacStorage::stopWaiting, Qt::QueuedConnection);
+  connect(context(), &ModelContext::storeFailed, this, &MacStorage::stopWaiting);
+  connect(&m_patience, &QTimer::timeout, this, &MacStorage::changed);
+  m_patience.setSingleShot(true);
+  m_patience.start(patience);
+}
+
+void MacStorage::stopWaiting() {
+  m_patience.stop();
+  Q_EMIT changed();
+}
+
+SharedModelContainer* MacStorage::container() const {
+  return m_container && context()->isOpen() ? m_container.get() : nullptr;
+}
+
+ModelContext* MacStorage::context() const {
+  return m_container ? &m_container->mainContext() : nullptr;
+}
+
+std::optional<std::string> MacStorage::errorDescription() const {
+  if (container())
+    return std::nullopt;
+  if (!m_container)
+    return m_errorDescription;
+  if (const std::optional<StoreError>& failure = context()->failure())
+    return failure->message;
+  return context()->obstacle()->message + " Notlet goes on trying to open it.";
 }
 
 MacStorage& MacStorage::shared() {

@@ -10,7 +10,7 @@
 
 namespace notlet {
 
-/// The opened store: `Notlet.store` in the folder that all programs of the family share.
+/// The store: `Notlet.store` in the folder that all programs of the family share.
 class SharedModelContainer {
  public:
   /// Gives the shared folder, or nothing when the system has none.
@@ -21,12 +21,16 @@ class SharedModelContainer {
   [[nodiscard]] static Result<std::unique_ptr<SharedModelContainer>>
   make(const DirectoryProvider& directory, bool allowsSave, bool syncsWithCloudKit);
 
+  /// The same for a program that runs on: a store that is in use or out of reach is no failure, its context
+  /// opens it as soon as it can.
+  [[nodiscard]] static Result<std::unique_ptr<SharedModelContainer>>
+  prepare(const DirectoryProvider& directory, bool allowsSave, bool syncsWithCloudKit);
+
   /// The one context, for the main thread.
   [[nodiscard]] ModelContext& mainContext() { return m_mainContext; }
 
  private:
-  explicit SharedModelContainer(std::unique_ptr<NotletDatabase> database)
-      : m_mainContext(std::move(database)) {}
+  SharedModelContainer(const std::filesystem::path& store, Access access) : m_mainContext(store, access) {}
 
   ModelContext m_mainContext;
 };

@@ -2,6 +2,7 @@
 import os
 import random
 import signal
+import sqlite3
 
 from gi.repository import GLib
 
@@ -122,6 +123,23 @@ class TroubleJourney(Journey):
         self.assertEqual(self.program.wait(10), 0)
         with open(store) as file:
             self.assertEqual(file.read(), "not a store")
+
+    def test_a_store_in_use_is_taken_behind_the_placard(self):
+        self.desktop.notlet("add", "before")
+        other = sqlite3.connect(self.desktop.place("data", "notlet", "Notlet.store"))
+        self.addCleanup(other.close)
+        other.execute("BEGIN EXCLUSIVE")
+        self.program = self.desktop.open_notlet()
+        self.desktop.control("label", UNAVAILABLE, within="Notlet")
+        self.open_popover()
+        self.desktop.control("label", UNAVAILABLE, within=POPOVER)
+        other.rollback()
+        self.editor(POPOVER)
+        self.desktop.type("caught")
+        self.await_text("caught", POPOVER)
+        self.desktop.keys("Return")
+        self.await_stored("caught", "before")
+        self.enter_bubble_mode()
 
     # Calls that make no sense
 

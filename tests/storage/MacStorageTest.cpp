@@ -1,6 +1,8 @@
 #include "storage/MacStorage.h"
 
+#include <QSignalSpy>
 #include <fstream>
+#include <sqlite3.h>
 #include <sys/stat.h>
 
 #include "storage/StoreFixture.h"
@@ -34,6 +36,29 @@ TEST_F(MacStorageTest, exactlyOneOfContainerAndErrorIsThere) {
     EXPECT_FALSE(storage.container());
     ASSERT_TRUE(storage.errorDescription());
     EXPECT_THAT(*storage.errorDescription(), HasSubstr(reason));
+  }
+}
+
+TEST_F(MacStorageTest, aStoreInUseIsAwaitedForAWhileAndTakenWheneverItIsFree) {
+  storeElsewhere({notletAt(1)});
+  for (const bool isFreeSoon : {true, false}) {
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(store().c_str(), &other), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+    const MacStorage storage(folder());
+    QSignalSpy changed(&storage, &MacStorage::changed);
+    EXPECT_TRUE(storage.isAwaited());
+    if (!isFreeSoon) {
+      EXPECT_TRUE(changed.wait());
+      EXPECT_FALSE(storage.isAwaited());
+      EXPECT_FALSE(storage.container());
+      EXPECT_THAT(storage.errorDescription().value(), HasSubstr("in use by another program. Notlet goes on"));
+    }
+    sqlite3_close(other);
+    EXPECT_TRUE(changed.wait());
+    EXPECT_FALSE(storage.isAwaited());
+    EXPECT_FALSE(storage.errorDescription());
+    EXPECT_EQ(storage.container()->mainContext().size(), 1);
   }
 }
 

@@ -19,10 +19,15 @@ QSize sizeFor(const QWidget& content) {
 } // namespace
 
 PopoverWindow::PopoverWindow(AppSettings& settings, WindowSystem& windowSystem, QWidget* content)
-    : RoundedWindow(settings, windowSystem, content, {}) {
+    : RoundedWindow(settings, windowSystem, content, {}), m_content(content) {
   setWindowTitle(QStringLiteral("Quick Notlet"));
-  setFixedSize(sizeFor(*content));
+  fit();
   connect(&windowSystem, &WindowSystem::mousePressed, this, &PopoverWindow::handlePress);
+}
+
+void PopoverWindow::fit() {
+  limitTo(*m_content);
+  setFixedSize(sizeFor(*m_content));
 }
 
 void PopoverWindow::standAt(const QPoint& position, const QRect& anchor) {

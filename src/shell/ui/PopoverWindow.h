@@ -27,6 +27,8 @@ class PopoverWindow : public RoundedWindow {
   /// window.
   PopoverWindow(AppSettings& settings, WindowSystem& windowSystem, QWidget* content);
 
+  /// Takes on the size of the content, which has changed.
+  void fit();
   /// Shows the window where it stands and gives it the keyboard.
   void open();
   /// Puts the window's upper left corner at the position, in Qt's screen coordinates. What a press at the
@@ -53,6 +55,7 @@ class PopoverWindow : public RoundedWindow {
   [[nodiscard]] bool hasWindowOfItsOwn() const;
 
   QRect m_anchor;
+  QWidget* m_content;
   /// A dialog of the window's own is up.
   bool m_isBlocked = false;
   /// Set while the window is on its way out.

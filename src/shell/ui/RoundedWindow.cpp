@@ -51,7 +51,7 @@ RoundedWindow::RoundedWindow(AppSettings& settings, WindowSystem& windowSystem, 
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins({});
   layout->addWidget(m_container);
-  m_container->setMaximumSize(content->maximumSize());
+  limitTo(*content);
   // The window paints the ground in its own shape.
   m_container->setAutoFillBackground(false);
   m_container->installEventFilter(this);
@@ -63,6 +63,10 @@ RoundedWindow::RoundedWindow(AppSettings& settings, WindowSystem& windowSystem, 
   connect(&m_opening, &QVariantAnimation::valueChanged, this,
           [this](const QVariant& progress) { applyOpening(progress.toDouble()); });
   connect(&m_opening, &QVariantAnimation::finished, this, &RoundedWindow::applyShape);
+}
+
+void RoundedWindow::limitTo(const QWidget& content) {
+  m_container->setMaximumSize(content.maximumSize());
 }
 
 void RoundedWindow::prepare() {

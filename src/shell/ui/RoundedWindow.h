@@ -47,6 +47,8 @@ class RoundedWindow : public QWidget {
   void closedByDesktop();
 
  protected:
+  /// Grows no larger than the content may.
+  void limitTo(const QWidget& content);
   [[nodiscard]] WindowSystem& windowSystem() const { return m_windowSystem; }
 
   void closeEvent(QCloseEvent* event) override;
