@@ -1,6 +1,6 @@
 #include "widgets/SearchField.h"
 
-#include <QEvent>
+#include <QFocusEvent>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPainter>
@@ -64,7 +64,9 @@ void SearchField::setText(const QString& text) {
 }
 
 bool SearchField::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) {
+  const bool isFocusChange = event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut;
+  // A menu over the line takes the keys for a while; the line gets them back by itself.
+  if (isFocusChange && static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason) {
     update();
     Q_EMIT focusChanged(event->type() == QEvent::FocusIn);
   }

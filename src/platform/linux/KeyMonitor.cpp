@@ -161,6 +161,14 @@ std::optional<KeyPress> keyPressOf(const QKeyEvent& event) {
   return press;
 }
 
+namespace {
+
+quint32 placeOf(const QKeyEvent& event) {
+  return event.nativeScanCode() != 0 ? event.nativeScanCode() : static_cast<quint32>(event.key());
+}
+
+} // namespace
+
 KeyMonitor::KeyMonitor(Handler handler, QObject* parent) : QObject(parent), m_handler(std::move(handler)) {
   qApp->installEventFilter(this);
 }
@@ -172,6 +180,12 @@ bool KeyMonitor::eventFilter(QObject* receiver, QEvent* event) {
     if (receiver->isWindowType())
       return keyAtWindow(static_cast<const QWindow&>(*receiver), static_cast<QKeyEvent&>(*event));
     return event->type() == QEvent::KeyPress && keyAtWidget(*receiver, static_cast<QKeyEvent&>(*event));
+  case QEvent::KeyRelease:
+    if (receiver->isWindowType()) {
+      const auto& released = static_cast<const QKeyEvent&>(*event);
+      m_released = {placeOf(released), released.timestamp()};
+    }
+    return false;
   case QEvent::InputMethod:
     m_composing = static_cast<QInputMethodEvent*>(event)->preeditString().isEmpty() ? nullptr : receiver;
     return false;
@@ -189,7 +203,7 @@ bool KeyMonitor::keyAtWindow(const QWindow& window, QKeyEvent& event) {
   if (!isOverride && before && before->timestamp == seen.timestamp && before->key == seen.key)
     seen.consumed = before->consumed;
   else
-    seen.consumed = window.modality() == Qt::NonModal && offer(event);
+    seen.consumed = consumes(event, window.modality() == Qt::NonModal);
   if (isOverride)
     m_override = seen;
   else
@@ -206,14 +220,32 @@ bool KeyMonitor::keyAtWidget(const QObject& receiver, const QKeyEvent& event) {
     return false;
   if (m_atWindow.event == &event && m_atWindow.timestamp == event.timestamp())
     return false;
-  return offer(event);
+  return consumes(event, true);
 }
 
-bool KeyMonitor::offer(const QKeyEvent& event) const {
-  if (QApplication::activePopupWidget() != nullptr || isComposing())
+/// `isFree` when no dialog stands before the window.
+bool KeyMonitor::consumes(const QKeyEvent& event, bool isFree) {
+  std::optional<KeyPress> press = keyPressOf(event);
+  if (!press)
     return false;
-  const std::optional<KeyPress> press = keyPressOf(event);
-  return press && m_handler(*press);
+  press->isRepeat = isRepeat(event);
+  const bool isOffered = isFree && QApplication::activePopupWidget() == nullptr && !isComposing();
+  if (press->isRepeat) {
+    const bool isConsumedNow = isOffered && m_pressed.isOffered && m_handler(*press);
+    return isConsumedNow || m_pressed.isConsumed;
+  }
+  m_pressed = {placeOf(event), isOffered, false};
+  m_pressed.isConsumed = isOffered && m_handler(*press);
+  return m_pressed.isConsumed;
+}
+
+/// A held key comes as pairs of a release and a press at the same time, which Qt overlooks when it sees the
+/// release alone at first.
+bool KeyMonitor::isRepeat(const QKeyEvent& event) const {
+  const quint32 place = placeOf(event);
+  const bool followsRelease =
+      event.timestamp() != 0 && place == m_released.place && event.timestamp() == m_released.timestamp;
+  return place == m_pressed.place && (event.isAutoRepeat() || followsRelease);
 }
 
 bool KeyMonitor::isComposing() const {

@@ -20,7 +20,8 @@ namespace notlet {
 ///
 /// When the handler answers true the key is consumed: no widget receives it and no shortcut fires. Keys do
 /// not come by while an input method composes text, and those for menus, pop-ups and modal dialogs never do:
-/// they belong to what the user must answer first.
+/// they belong to what the user must answer first. A key that is held belongs to whom it was pressed for,
+/// whatever comes up meanwhile.
 class KeyMonitor : public QObject {
   Q_OBJECT
 
@@ -41,9 +42,21 @@ class KeyMonitor : public QObject {
     bool consumed = false;
   };
 
+  /// The key that was pressed last, by its place where that is known.
+  struct Pressed {
+    quint32 place = 0;
+    bool isOffered = false;
+    bool isConsumed = false;
+  };
+  struct Released {
+    quint32 place = 0;
+    quint64 timestamp = 0;
+  };
+
   bool keyAtWindow(const QWindow& window, QKeyEvent& event);
   bool keyAtWidget(const QObject& receiver, const QKeyEvent& event);
-  [[nodiscard]] bool offer(const QKeyEvent& event) const;
+  [[nodiscard]] bool consumes(const QKeyEvent& event, bool isFree);
+  [[nodiscard]] bool isRepeat(const QKeyEvent& event) const;
   [[nodiscard]] bool isComposing() const;
 
   Handler m_handler;
@@ -51,6 +64,8 @@ class KeyMonitor : public QObject {
   std::optional<Seen> m_override;
   /// The last key press at a window.
   Seen m_atWindow;
+  Pressed m_pressed;
+  Released m_released;
   /// The control for which an input method holds text that is not committed yet.
   QPointer<QObject> m_composing;
 };

@@ -241,6 +241,41 @@ TEST_F(KeyMonitorTest, RepeatsAreSeenAndModifiersAreNot) {
   EXPECT_EQ(seen().size(), 3U);
 }
 
+// A dialog that the key opened would be answered by its repeats.
+TEST_F(KeyMonitorTest, AHeldKeyBelongsToWhomItWasPressedFor) {
+  QDialog dialog(&window);
+  QLineEdit answer(&dialog);
+  for (const bool consuming : {true, false}) {
+    for (const bool isKnownToQt : {true, false}) {
+      consumes = consuming;
+      const auto send = [&](QWidget& shown, QEvent::Type type, ulong time, bool isRepeat) {
+        QKeyEvent event(type, Qt::Key_J, Qt::NoModifier, 44, 'j', 0, QStringLiteral("j"), isRepeat);
+        event.setTimestamp(time);
+        QCoreApplication::sendEvent(shown.windowHandle(), &event);
+      };
+      answer.clear();
+      answer.setFocus();
+      send(window, QEvent::KeyPress, 1000, false);
+      EXPECT_EQ(seen().size(), 1U);
+      consumes = false;
+      dialog.open();
+      ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+      send(dialog, QEvent::KeyRelease, 1250, isKnownToQt);
+      send(dialog, QEvent::KeyPress, 1250, isKnownToQt);
+      EXPECT_EQ(answer.text(), consuming ? QString() : QStringLiteral("j"));
+      send(dialog, QEvent::KeyRelease, 1300, false);
+      send(dialog, QEvent::KeyPress, 1400, false);
+      EXPECT_TRUE(answer.text().endsWith(u'j')) << "it was pressed anew";
+      dialog.close();
+      ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+      consumes = true;
+      send(window, QEvent::KeyRelease, 1500, isKnownToQt);
+      send(window, QEvent::KeyPress, 1500, isKnownToQt);
+      EXPECT_THAT(seen(), IsEmpty()) << "pressed for the dialog";
+    }
+  }
+}
+
 TEST_F(KeyMonitorTest, KeysAreLeftToAnInputMethodThatComposes) {
   consumes = true;
   for (QWidget* focus : std::initializer_list<QWidget*>{&line, &plainText, &richText}) {
