@@ -61,7 +61,10 @@ void ThemeList::showEvent(QShowEvent* event) {
 
 void ThemeList::showSelected() {
   const auto row = m_rows.rowOf(m_browser.selectedThemeID());
-  if (row && !m_view->rowRect(*row) && !m_browser.state().activeThemeID)
+  if (!row || m_browser.state().activeThemeID)
+    return;
+  const auto rect = m_view->rowRect(*row);
+  if (!rect || !m_view->viewport()->rect().contains(*rect))
     m_view->scrollToCentre(*row, false);
 }
 

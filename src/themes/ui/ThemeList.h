@@ -10,7 +10,7 @@
 namespace notlet {
 
 /// The themes in groups. A click applies one; those of the user have a context menu, which the keyboard opens
-/// for the active row. The theme in force is in sight when the list first comes up.
+/// for the active row. The theme in force is wholly in sight when the list first comes up.
 class ThemeList : public QWidget {
   Q_OBJECT
 

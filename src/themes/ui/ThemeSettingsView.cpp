@@ -96,9 +96,7 @@ void ThemeSettingsView::connectHandlers() {
 
 void ThemeSettingsView::render() {
   m_search->setText(fromUtf8(m_browser.state().searchText));
-  const bool isEmpty = m_browser.filteredThemes().empty();
-  m_nothingFound->setVisible(isEmpty);
-  m_list->setVisible(!isEmpty);
+  renderList();
   renderFocus();
   renderEditor();
   const auto& state = m_browser.state();
@@ -108,6 +106,24 @@ void ThemeSettingsView::render() {
               &ThemeBrowser::dismissExportError);
 }
 
+/// A list that goes would hand the keyboard on to the next control.
+void ThemeSettingsView::renderList() {
+  const bool isEmpty = m_browser.filteredThemes().empty();
+  const QWidget* focused = window()->focusWidget();
+  const bool hasKeyboard = focused == this || focused == &m_list->view();
+  if (isEmpty && hasKeyboard)
+    setFocus(Qt::OtherFocusReason);
+  m_nothingFound->setVisible(isEmpty);
+  m_list->setVisible(!isEmpty);
+  if (!isEmpty && hasKeyboard)
+    m_list->setFocus(Qt::OtherFocusReason);
+}
+
+/// What has the keyboard while no search is typed. Without a list the screen keeps its keys itself.
+QWidget* ThemeSettingsView::keyboardWidget() {
+  return m_browser.filteredThemes().empty() ? static_cast<QWidget*>(this) : m_list;
+}
+
 void ThemeSettingsView::renderFocus() {
   const bool isFocused = m_search->lineEdit()->hasFocus();
   if (!isVisible() || m_browser.state().searchFocused == isFocused)
@@ -115,7 +131,7 @@ void ThemeSettingsView::renderFocus() {
   if (m_browser.state().searchFocused)
     m_search->setFocus(Qt::OtherFocusReason);
   else
-    m_list->setFocus(Qt::OtherFocusReason);
+    keyboardWidget()->setFocus(Qt::OtherFocusReason);
 }
 
 /// The shortcuts take the keyboard away from a field at Escape and give it to nobody.
@@ -123,7 +139,7 @@ void ThemeSettingsView::takeLostKeyboard(bool isInSearch) {
   if (isInSearch || !isVisible() || window()->focusWidget() != nullptr)
     return;
   m_browser.handleKey("escape");
-  m_list->setFocus(Qt::OtherFocusReason);
+  keyboardWidget()->setFocus(Qt::OtherFocusReason);
 }
 
 void ThemeSettingsView::focusSearch() {
@@ -199,7 +215,7 @@ void ThemeSettingsView::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   // Otherwise the window gives the keyboard to the search field, which comes first.
   if (!m_browser.state().searchFocused)
-    m_list->setFocus(Qt::OtherFocusReason);
+    keyboardWidget()->setFocus(Qt::OtherFocusReason);
   renderFocus();
 }
 

@@ -24,6 +24,7 @@ class ThemeSettingsView : public QWidget {
 
   [[nodiscard]] ThemeBrowser& browser() { return m_browser; }
   [[nodiscard]] ThemeList& list() { return *m_list; }
+  /// Gives the keyboard to the search field.
   void focusSearch();
   [[nodiscard]] QSize minimumSizeHint() const override { return {0, 0}; }
 
@@ -37,7 +38,9 @@ class ThemeSettingsView : public QWidget {
   void layOut();
   void connectHandlers();
   void render();
+  void renderList();
   void renderFocus();
+  [[nodiscard]] QWidget* keyboardWidget();
   void takeLostKeyboard(bool isInSearch);
   void renderEditor();
   void renderAlert(QPointer<Alert>& alert, const std::optional<std::string>& message, const QString& title,

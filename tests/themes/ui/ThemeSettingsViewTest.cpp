@@ -74,6 +74,23 @@ TEST_F(ThemeSettingsViewTest, TheThemeInForceIsInSightAtFirst) {
   EXPECT_FALSE(view->browser().state().activeThemeID) << "it is shown, not walked to";
 }
 
+TEST_F(ThemeSettingsViewTest, TheThemeInForceIsWhollyInSightAtFirst) {
+  show();
+  const auto cut = list().visibleRows().back();
+  const int height = list().viewport()->height();
+  window.resize(window.width(), window.height() + cut.rect.top() + cut.rect.height() / 2 - height);
+  settings.setSelectedThemeID(view->list().rows().themeAt(cut.row)->id);
+  auto* other = new ThemeSettingsView({settings, fileChooser, "en"});
+  AppThemeContainer otherWindow(settings, other);
+  otherWindow.resize(window.size());
+  otherWindow.show();
+  const VirtualListView& shown = other->list().view();
+  EXPECT_TRUE(QTest::qWaitFor([&] {
+    const auto rect = shown.rowRect(cut.row);
+    return rect && shown.viewport()->rect().contains(*rect);
+  }));
+}
+
 // The keys would go nowhere.
 TEST_F(ThemeSettingsViewTest, AKeyboardThatIsTakenFromTheFieldGoesToTheList) {
   show();
@@ -243,8 +260,14 @@ TEST_F(ThemeSettingsViewTest, AnEmptyListSaysSo) {
   show();
   view->browser().setSearchText("no such theme");
   EXPECT_FALSE(view->list().isVisible());
+  EXPECT_EQ(QApplication::focusWidget(), view) << "the keys of the screen go on";
+  press(Qt::Key_Slash);
+  EXPECT_TRUE(search()->hasFocus());
+  search()->clearFocus(); // As Escape does.
+  EXPECT_TRUE(QTest::qWaitFor([this] { return view->hasFocus(); }));
   view->browser().setSearchText("");
   EXPECT_TRUE(view->list().isVisible());
+  EXPECT_TRUE(list().hasFocus());
 }
 
 } // namespace
