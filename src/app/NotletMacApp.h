@@ -32,6 +32,7 @@
 #include "shell/ui/MainWindow.h"
 #include "shell/ui/PopoverWindow.h"
 #include "shell/ui/ShellWindows.h"
+#include "shell/ui/WindowFrames.h"
 #include "shortcuts/MacShortcutCoordinator.h"
 #include "shortcuts/MacShortcutSettings.h"
 #include "shortcuts/SettingsScreen.h"
@@ -105,6 +106,7 @@ class NotletMacApp : public QObject {
   JsonFileDefaults m_defaults;
   AppSettings m_settings;
   Desktop m_desktop;
+  WindowFrames m_windowFrames{m_settings, m_desktop.windowSystem()};
   InstalledSpeech m_speech;
   SpeechService m_speechService;
 

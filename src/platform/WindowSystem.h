@@ -10,6 +10,14 @@ namespace notlet {
 /// What Qt's `QWidget::winId()` gives.
 using WindowID = std::uintptr_t;
 
+/// The look of the frame that the desktop draws around a window.
+enum class FrameTone {
+  /// As the desktop has it.
+  desktop,
+  light,
+  dark,
+};
+
 /// What the program asks of the window system beyond what Qt offers.
 class WindowSystem : public QObject {
   Q_OBJECT
@@ -25,6 +33,8 @@ class WindowSystem : public QObject {
   virtual void noteActivationToken(const std::string& token) = 0;
   /// Has the window on every workspace and in no task list. To be called before the window is first shown.
   virtual void putOnAllWorkspaces(WindowID window) = 0;
+  /// Asks for a frame that suits what the window shows.
+  virtual void setFrameTone(WindowID window, FrameTone tone) = 0;
   /// Whether mousePressed() tells of presses of a mouse button anywhere on the desktop.
   virtual void watchMouse(bool watched) = 0;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QWidget>
+#include <map>
 #include <vector>
 
 #include "platform/WindowSystem.h"
@@ -21,6 +22,7 @@ class FakeWindowSystem final : public WindowSystem {
     const QWidget* widget = QWidget::find(window);
     onAllWorkspaces.push_back({window, widget && widget->isVisible()});
   }
+  void setFrameTone(WindowID window, FrameTone tone) override { frameTones[window] = tone; }
   void watchMouse(bool watched) override { isMouseWatched = watched; }
 
   void setCompositor(bool has) {
@@ -39,6 +41,7 @@ class FakeWindowSystem final : public WindowSystem {
 
   std::vector<WindowID> activated;
   std::vector<Placed> onAllWorkspaces;
+  std::map<WindowID, FrameTone> frameTones;
   bool isMouseWatched = false;
   std::string activationToken;
 

@@ -194,6 +194,14 @@ std::vector<std::uint32_t> X11Client::property(xcb_window_t window, std::string_
   return {first, first + reply->value_len};
 }
 
+std::string X11Client::text(xcb_window_t window, std::string_view name) const {
+  const auto reply = owned(xcb_get_property_reply(
+      m_connection, xcb_get_property(m_connection, 0, window, atom(name), XCB_ATOM_ANY, 0, 1024), nullptr));
+  if (!reply || reply->format != 8)
+    return {};
+  return {static_cast<const char*>(xcb_get_property_value(reply.get())), reply->value_len};
+}
+
 xcb_atom_t X11Client::atom(std::string_view name) const {
   const auto cookie = xcb_intern_atom(m_connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
   return owned(xcb_intern_atom_reply(m_connection, cookie, nullptr))->atom;

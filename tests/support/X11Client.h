@@ -48,6 +48,8 @@ class X11Client {
   /// The window that the window manager calls active.
   [[nodiscard]] xcb_window_t activeWindow() const;
   [[nodiscard]] std::vector<std::uint32_t> property(xcb_window_t window, std::string_view name) const;
+  /// Empty without such a property.
+  [[nodiscard]] std::string text(xcb_window_t window, std::string_view name) const;
   [[nodiscard]] xcb_atom_t atom(std::string_view name) const;
   /// Whether a button was pressed in one of this program's windows since the last call.
   [[nodiscard]] bool tookButtonPress() const;

@@ -21,6 +21,7 @@ class QtWindowSystem final : public WindowSystem {
   void activate(WindowID id) override;
   void noteActivationToken(const std::string& token) override;
   void putOnAllWorkspaces(WindowID /*window*/) override {}
+  void setFrameTone(WindowID /*window*/, FrameTone /*tone*/) override {}
   void watchMouse(bool /*watched*/) override {}
 
  protected:

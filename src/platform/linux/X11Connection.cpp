@@ -80,6 +80,15 @@ void X11Connection::setProperty(std::uint8_t mode, xcb_window_t window, xcb_atom
                       values.data());
 }
 
+void X11Connection::setText(xcb_window_t window, xcb_atom_t name, xcb_atom_t type,
+                            std::string_view text) const {
+  if (text.empty())
+    xcb_delete_property(handle, window, name);
+  else
+    xcb_change_property(handle, XCB_PROP_MODE_REPLACE, window, name, type, 8,
+                        static_cast<std::uint32_t>(text.size()), text.data());
+}
+
 void X11Connection::sendToWindowManager(xcb_window_t window, xcb_atom_t request,
                                         const std::array<std::uint32_t, 5>& values) const {
   xcb_client_message_event_t message{};

@@ -55,6 +55,8 @@ struct X11Connection {
   /// `mode` is XCB_PROP_MODE_REPLACE or XCB_PROP_MODE_APPEND.
   void setProperty(std::uint8_t mode, xcb_window_t window, xcb_atom_t name, xcb_atom_t type,
                    std::span<const std::uint32_t> values) const;
+  /// An empty text takes the property away.
+  void setText(xcb_window_t window, xcb_atom_t name, xcb_atom_t type, std::string_view text) const;
   /// Asks the window manager something about a window.
   void sendToWindowManager(xcb_window_t window, xcb_atom_t request,
                            const std::array<std::uint32_t, 5>& values) const;

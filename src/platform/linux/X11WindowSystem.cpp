@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QStandardPaths>
 #include <QWidget>
 #include <QWindow>
 #include <algorithm>
@@ -34,6 +35,16 @@ xcb_window_t focusedWindow() {
   return window == nullptr ? static_cast<xcb_window_t>(XCB_NONE) : nativeWindow(window->winId());
 }
 
+/// KDE's own colours for that tone; empty where they are not installed.
+std::string colorSchemeFile(FrameTone tone) {
+  if (tone == FrameTone::desktop)
+    return {};
+  const QString name = tone == FrameTone::dark ? QStringLiteral("BreezeDark") : QStringLiteral("BreezeLight");
+  return QStandardPaths::locate(QStandardPaths::GenericDataLocation,
+                                QStringLiteral("color-schemes/%1.colors").arg(name))
+      .toStdString();
+}
+
 } // namespace
 
 X11WindowSystem::X11WindowSystem(const X11Connection& connection, X11UserTime& userTime)
@@ -54,9 +65,10 @@ X11WindowSystem::Atoms X11WindowSystem::atomsOf(const X11Connection& connection)
   constexpr auto names = std::to_array<std::string_view>(
       {"_NET_ACTIVE_WINDOW", "_NET_WM_DESKTOP", "_NET_WM_STATE", "_NET_WM_STATE_STICKY",
        "_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_STATE_ABOVE", "_NET_SUPPORTED",
-       "_NOTLET_ASKED_FOR_TIME"});
+       "_NOTLET_ASKED_FOR_TIME", "_GTK_THEME_VARIANT", "_KDE_NET_WM_COLOR_SCHEME", "UTF8_STRING"});
   const auto atoms = connection.atoms(names);
-  return {atoms[0], atoms[1], atoms[2], {atoms[3], atoms[4], atoms[5]}, atoms[6], atoms[7], atoms[8]};
+  return {atoms[0], atoms[1],  atoms[2], {atoms[3], atoms[4], atoms[5]}, atoms[6], atoms[7], atoms[8],
+          atoms[9], atoms[10], atoms[11]};
 }
 
 bool X11WindowSystem::hasCompositor() const {
@@ -192,6 +204,14 @@ void X11WindowSystem::windowShown(xcb_window_t shown) const {
                                    {addState, skipTaskbar, skipPager, sourceIsApplication, 0});
   m_connection.sendToWindowManager(shown, m_atoms.state,
                                    {addState, m_atoms.above, sticky, sourceIsApplication, 0});
+  xcb_flush(m_connection.handle);
+}
+
+// GNOME and those like it read the one, KDE the other.
+void X11WindowSystem::setFrameTone(WindowID id, FrameTone tone) {
+  const std::string variant = tone == FrameTone::dark ? "dark" : tone == FrameTone::light ? "light" : "";
+  m_connection.setText(nativeWindow(id), m_atoms.gtkVariant, m_atoms.utf8, variant);
+  m_connection.setText(nativeWindow(id), m_atoms.kdeColors, XCB_ATOM_STRING, colorSchemeFile(tone));
   xcb_flush(m_connection.handle);
 }
 

@@ -35,6 +35,7 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
   void activate(WindowID id) override;
   void noteActivationToken(const std::string& token) override;
   void putOnAllWorkspaces(WindowID id) override;
+  void setFrameTone(WindowID id, FrameTone tone) override;
   void watchMouse(bool watched) override;
 
  protected:
@@ -49,6 +50,9 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
     xcb_atom_t above;
     xcb_atom_t supported;
     xcb_atom_t askedForTime;
+    xcb_atom_t gtkVariant;
+    xcb_atom_t kdeColors;
+    xcb_atom_t utf8;
   };
 
   [[nodiscard]] static Atoms atomsOf(const X11Connection& connection);

@@ -5,9 +5,12 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QWidget>
+#include <filesystem>
+#include <fstream>
 
 #include "platform/linux/DisplayServer.h"
 #include "platform/linux/X11UserTime.h"
+#include "support/TemporaryDirectory.h"
 #include "support/TestDisplay.h"
 #include "support/X11Client.h"
 #include "support/X11Marker.h"
@@ -108,6 +111,30 @@ TEST_F(X11WindowSystemTest, IsOnAllWorkspacesEachTimeItIsShown) {
     EXPECT_TRUE(QTest::qWaitFor(isEverywhere)) << count;
     window.hide();
   }
+}
+
+TEST_F(X11WindowSystemTest, TellsTheDesktopWhichFrameSuitsAWindow) {
+  const TemporaryDirectory data;
+  const QByteArray before = qgetenv("XDG_DATA_HOME");
+  qputenv("XDG_DATA_HOME", data.path().c_str());
+  const std::filesystem::path schemes = data.path() / "color-schemes";
+  std::filesystem::create_directory(schemes);
+  const struct {
+    FrameTone tone;
+    std::string variant;
+    std::string scheme;
+  } cases[] = {{FrameTone::dark, "dark", schemes / "BreezeDark.colors"},
+               {FrameTone::light, "light", schemes / "BreezeLight.colors"},
+               {FrameTone::desktop, "", ""}};
+  for (const auto& [tone, variant, scheme] : cases) {
+    if (!scheme.empty())
+      std::ofstream(scheme) << "[General]";
+    system->setFrameTone(window.winId(), tone);
+    ASSERT_TRUE(marker.catchUp());
+    EXPECT_EQ(other.text(native(window), "_GTK_THEME_VARIANT"), variant);
+    EXPECT_EQ(other.text(native(window), "_KDE_NET_WM_COLOR_SCHEME"), scheme);
+  }
+  qputenv("XDG_DATA_HOME", before);
 }
 
 TEST_F(X11WindowSystemTest, KnowsWhetherACompositorRuns) {

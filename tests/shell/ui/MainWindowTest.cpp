@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <QDialog>
 #include <QScreen>
 
+#include "shell/ui/WindowFrames.h"
+#include "support/FakeWindowSystem.h"
 #include "support/MemoryDefaults.h"
 
 namespace notlet {
@@ -17,6 +20,29 @@ TEST(MainWindowTest, FitsOnASmallScreen) {
   ASSERT_LT(screen.width(), 840);
   EXPECT_LT(window.width(), screen.width());
   EXPECT_EQ(window.height(), 600);
+}
+
+TEST(MainWindowTest, ItsFrameAndThoseOfItsDialogsAreInTheTonesOfTheTheme) {
+  MemoryDefaults defaults;
+  AppSettings settings{defaults};
+  AppTheme ofSystem = settings.theme();
+  ofSystem.id = "custom-1";
+  ofSystem.followsSystem = true;
+  settings.saveCustomTheme(ofSystem);
+  FakeWindowSystem windowSystem;
+  const WindowFrames frames(settings, windowSystem);
+  MainWindow window(settings, new QWidget);
+  QDialog dialog(&window);
+  QWidget popup(&window, Qt::Popup);
+  for (const auto& [theme, tone] : {std::pair("dracula", FrameTone::dark),
+                                    {"paper", FrameTone::light},
+                                    {"custom-1", FrameTone::desktop}}) {
+    settings.setSelectedThemeID(theme);
+    for (QWidget* shown : {static_cast<QWidget*>(&window), static_cast<QWidget*>(&dialog), &popup})
+      shown->show();
+    const std::map<WindowID, FrameTone> expected = {{window.winId(), tone}, {dialog.winId(), tone}};
+    EXPECT_EQ(windowSystem.frameTones, expected) << theme;
+  }
 }
 
 } // namespace notlet
