@@ -55,8 +55,10 @@ Alert::Alert(QWidget* parent, const QString& title, const QString& text)
   m_buttons->addStretch();
 }
 
-void Alert::addReason(const QString& reason) {
-  auto* label = makeLabel(reason, TextStyle::caption);
+void Alert::addSmallPrint(const QString& print) {
+  if (print.isEmpty())
+    return;
+  auto* label = makeLabel(print, TextStyle::caption);
   label->setForegroundRole(ThemeRole::secondaryText);
   constexpr int belowTheText = 2;
   m_rows->insertWidget(belowTheText, label);
@@ -64,8 +66,7 @@ void Alert::addReason(const QString& reason) {
 
 Alert* Alert::message(QWidget* parent, const QString& title, const QString& text, const QString& reason) {
   auto* alert = new Alert(parent, title, text);
-  if (!reason.isEmpty())
-    alert->addReason(reason);
+  alert->addSmallPrint(reason);
   auto* ok = new TextButton(tr("OK"), TextButton::Look::primary);
   alert->m_buttons->addWidget(ok);
   connect(ok, &TextButton::clicked, alert, &Alert::accept);
@@ -74,8 +75,9 @@ Alert* Alert::message(QWidget* parent, const QString& title, const QString& text
 }
 
 Alert* Alert::destructiveQuestion(QWidget* parent, const QString& title, const QString& text,
-                                  const QString& action) {
+                                  const QString& action, const QString& subject) {
   auto* alert = new Alert(parent, title, text);
+  alert->addSmallPrint(subject);
   auto* cancel = new TextButton(tr("Cancel"), TextButton::Look::standard);
   auto* confirm = new TextButton(action, TextButton::Look::destructive);
   alert->m_buttons->addWidget(cancel);

@@ -19,14 +19,15 @@ class Alert : public QDialog {
   /// A message with one button, "OK". The reason, in smaller print, is for whoever has to mend what failed.
   [[nodiscard]] static Alert* message(QWidget* parent, const QString& title, const QString& text,
                                       const QString& reason = {});
-  /// A question whose Cancel has the focus, beside a red button that carries out what was asked.
+  /// A question whose Cancel has the focus, beside a red button that carries out what was asked. In smaller
+  /// print, what it is about.
   [[nodiscard]] static Alert* destructiveQuestion(QWidget* parent, const QString& title, const QString& text,
-                                                  const QString& action);
+                                                  const QString& action, const QString& subject = {});
 
  private:
   Alert(QWidget* parent, const QString& title, const QString& text);
 
-  void addReason(const QString& reason);
+  void addSmallPrint(const QString& print);
 
   QVBoxLayout* m_rows;
   QHBoxLayout* m_buttons;

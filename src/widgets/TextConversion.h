@@ -19,4 +19,8 @@ namespace notlet {
 /// which a label would cut off. Only those words get characters (U+200B) that the text did not have.
 [[nodiscard]] QString breakable(const QString& text, const QFontMetrics& metrics, int width);
 
+/// The beginning of a text as one line, to be quoted in a sentence of the program, whose other words keep
+/// their places whatever the direction of the text.
+[[nodiscard]] QString excerptOf(const QString& text);
+
 } // namespace notlet

@@ -50,7 +50,8 @@ TEST_F(AlertTest, AssistiveTechnologyHearsTitleAndText) {
 }
 
 TEST_F(AlertTest, ALongFileNameIsShownWhole) {
-  const QString path = QStringLiteral("/home/somebody") + QStringLiteral("/folder").repeated(40);
+  const QString path = QStringLiteral("/home/somebody") + QStringLiteral("/folder").repeated(40) +
+                       QStringLiteral("word").repeated(40);
   Alert* alert = opened(Alert::message(&container, title, path));
   for (const QLabel* label : alert->findChildren<QLabel*>()) {
     const QRect needed =

@@ -14,13 +14,6 @@ namespace notlet {
 namespace {
 
 constexpr int narrowestMessage = 250;
-constexpr qsizetype longestExcerpt = 60;
-
-/// The beginning of a text, as one line.
-QString excerptOf(const QString& text) {
-  const QString line = text.left(4 * longestExcerpt).simplified();
-  return line.size() <= longestExcerpt ? line : line.left(longestExcerpt) + QStringLiteral("…");
-}
 
 } // namespace
 

@@ -162,8 +162,11 @@ void MacArchiveView::renderDeleteConfirmation() {
     m_deleteConfirmation = nullptr;
     return over->reject();
   }
+  const NotletEntry* notlet = m_browser.selectedNotlet();
+  const bool isSeen = notlet == nullptr || m_list->shows(notlet->id);
   m_deleteConfirmation =
-      Alert::destructiveQuestion(this, tr("Delete this notlet?"), tr("This cannot be undone."), tr("Delete"));
+      Alert::destructiveQuestion(this, tr("Delete this notlet?"), tr("This cannot be undone."), tr("Delete"),
+                                 isSeen ? QString() : tr("“%1”").arg(excerptOf(fromUtf8(notlet->content))));
   connect(m_deleteConfirmation, &QDialog::finished, this, [this](int answer) {
     m_deleteConfirmation = nullptr;
     if (answer == QDialog::Accepted)

@@ -336,6 +336,31 @@ TEST_F(MacArchiveViewTest, DeletingAsksAndOnlyDeleteDeletes) {
   EXPECT_EQ(alert(), nullptr);
 }
 
+// Nobody should have to guess which notlet is about to go. Its text must not turn the dialog's around.
+TEST_F(MacArchiveViewTest, TheQuestionQuotesANotletThatIsOutOfSight) {
+  fill({"\u202Efirst\n\u2066words are many here, and by far too many for a question\nlast", "second"});
+  const auto quotes = [&] {
+    center.post(CommandName::deleteSelectedMacNotlet);
+    const QStringList texts = labels();
+    alert()->reject();
+    return texts.filter(QStringLiteral("first words"));
+  };
+  center.post(CommandName::selectNextMacNotlet);
+  EXPECT_EQ(quotes(), QStringList()) << "it is in sight";
+  browser->setSearchText("second");
+  const QStringList quoted = quotes();
+  ASSERT_EQ(quoted.size(), 1);
+  EXPECT_LT(quoted[0].size(), 80);
+  EXPECT_FALSE(quoted[0].contains(QChar(0x202E)) || quoted[0].contains(QStringLiteral("last")));
+  browser->setSearchText("zzz");
+  EXPECT_EQ(quotes().size(), 1) << "there is no list";
+  browser->setSearchText("");
+  for (int count = 0; count < 50; ++count)
+    fill({"newer"});
+  view->findChild<ArchiveList*>()->view().scrollToCentre(0, false);
+  EXPECT_EQ(quotes().size(), 1) << "scrolled away";
+}
+
 TEST_F(MacArchiveViewTest, AFailureIsToldOnceAndCanBeDismissed) {
   fill({"a", "b"});
   browser->requestDeletion(context->at(0).id);
