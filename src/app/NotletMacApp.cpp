@@ -8,6 +8,7 @@
 #include "capture/ui/MacCaptureView.h"
 #include "capture/ui/MacNotletView.h"
 #include "navigation/ui/MacMainView.h"
+#include "platform/TemporaryFile.h"
 #include "shell/ui/MacFloatingBubbleView.h"
 #include "shell/ui/MacStorageUnavailableView.h"
 #include "shortcuts/ui/MacSettingsView.h"
@@ -38,6 +39,14 @@ std::optional<std::filesystem::path> editDirectory(const Places& places) {
   if (!places.state)
     return std::nullopt;
   return *places.state / "drafts" / "edits";
+}
+
+/// A run that was killed while it wrote may have left private text.
+void tidy(const Places& places) {
+  for (const auto& folder :
+       {places.data, places.state, places.configuration, draftDirectory(places), editDirectory(places)})
+    if (folder)
+      removeAbandonedFiles(*folder);
 }
 
 std::filesystem::path programDirectory() {
@@ -78,6 +87,7 @@ NotletMacApp::NotletMacApp(const Places& places)
       m_unsavedEdits(editDirectory(places), m_scheduler),
       m_windowLife(m_defaults),
       m_desktopLimits(m_defaults) {
+  tidy(places);
   if (ModelContext* context = m_storage.context())
     makeRules(*context);
   makeWindows();

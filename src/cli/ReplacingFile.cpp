@@ -5,10 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <system_error>
-#include <utility>
 
 namespace notlet {
 namespace {
@@ -34,47 +31,32 @@ CommandResult<ReplacingFile> ReplacingFile::open(const std::filesystem::path& fi
   struct stat status{};
   const bool exists = ::stat(file.c_str(), &status) == 0;
   if (exists && !S_ISREG(status.st_mode)) {
-    const int descriptor = ::open(file.c_str(), O_WRONLY | O_CLOEXEC);
-    if (descriptor < 0)
+    ReplacingFile direct(file);
+    direct.m_direct = Descriptor(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
+    if (!direct.m_direct.isOpen())
       return writeFailure(file, errno);
-    return ReplacingFile(descriptor, file, {});
+    return direct;
   }
   std::error_code problem;
   const auto target =
       exists ? std::filesystem::canonical(file, problem) : std::filesystem::absolute(file, problem);
   if (problem)
     return writeFailure(file, problem.value());
-  std::string temporary = (target.parent_path() / ".notlet-export-XXXXXX").string();
-  const int descriptor = ::mkostemp(temporary.data(), O_CLOEXEC);
-  if (descriptor < 0)
+  removeAbandonedFiles(target.parent_path());
+  ReplacingFile replacing(target);
+  if (!replacing.m_temporary.emplace(target, "export").isOpen())
     return writeFailure(file, errno);
-  return ReplacingFile(descriptor, target, temporary);
-}
-
-ReplacingFile::ReplacingFile(ReplacingFile&& other) noexcept
-    : m_descriptor(std::exchange(other.m_descriptor, -1)),
-      m_target(std::move(other.m_target)),
-      m_temporary(std::exchange(other.m_temporary, {})) {
-}
-
-ReplacingFile::~ReplacingFile() {
-  if (m_descriptor >= 0)
-    ::close(m_descriptor);
-  if (!m_temporary.empty())
-    ::unlink(m_temporary.c_str());
+  return replacing;
 }
 
 CommandResult<void> ReplacingFile::commit() {
-  if (!m_temporary.empty() && ::fsync(m_descriptor) != 0)
-    return writeFailure(m_target, errno);
-  if (::close(std::exchange(m_descriptor, -1)) != 0)
-    return writeFailure(m_target, errno);
-  if (m_temporary.empty())
+  if (!m_temporary) {
+    if (!m_direct.close())
+      return writeFailure(m_target, errno);
     return {};
-  if (std::rename(m_temporary.c_str(), m_target.c_str()) != 0)
-    return writeFailure(m_target, errno);
-  m_temporary.clear();
-  if (!syncFolder(m_target.parent_path()))
+  }
+  if (::fsync(m_temporary->descriptor()) != 0 || !m_temporary->close() ||
+      !m_temporary->takePlaceOf(m_target) || !syncFolder(m_target.parent_path()))
     return writeFailure(m_target, errno);
   return {};
 }

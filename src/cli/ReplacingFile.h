@@ -1,37 +1,34 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 
 #include "cli/CommandError.h"
+#include "platform/Descriptor.h"
+#include "platform/TemporaryFile.h"
 
 namespace notlet {
 
 /// A file that is written beside its target and takes the target's place only when it is whole and on disk.
-/// A target that is not a regular file (a pipe, a device) is written directly.
+/// A target that is not a regular file (a pipe, a device) is written directly. Without commit() the target
+/// stays as it was and nothing is left beside it.
 class ReplacingFile {
  public:
   /// The new file is open to its owner alone. A symbolic link to a file stays one.
   [[nodiscard]] static CommandResult<ReplacingFile> open(const std::filesystem::path& file);
 
-  ReplacingFile(ReplacingFile&& other) noexcept;
-  ReplacingFile& operator=(ReplacingFile&&) = delete;
-  ReplacingFile(const ReplacingFile&) = delete;
-  ReplacingFile& operator=(const ReplacingFile&) = delete;
-  /// Without commit() the target stays as it was and nothing is left beside it.
-  ~ReplacingFile();
-
-  [[nodiscard]] int descriptor() const { return m_descriptor; }
+  [[nodiscard]] int descriptor() const { return m_temporary ? m_temporary->descriptor() : m_direct.number(); }
   /// To be called once, after the last write.
   [[nodiscard]] CommandResult<void> commit();
 
  private:
-  ReplacingFile(int descriptor, std::filesystem::path target, std::filesystem::path temporary)
-      : m_descriptor(descriptor), m_target(std::move(target)), m_temporary(std::move(temporary)) {}
+  explicit ReplacingFile(std::filesystem::path target) : m_target(std::move(target)) {}
 
-  int m_descriptor;
   std::filesystem::path m_target;
-  /// Empty when the target is written directly.
-  std::filesystem::path m_temporary;
+  /// None when the target is written directly.
+  std::optional<TemporaryFile> m_temporary;
+  /// The target, when it is written directly.
+  Descriptor m_direct;
 };
 
 } // namespace notlet

@@ -18,8 +18,10 @@ class Descriptor {
   }
   ~Descriptor() {
     if (isOpen())
-      close(m_number);
+      ::close(m_number);
   }
+  /// False when the file has not taken all that was written.
+  [[nodiscard]] bool close() { return ::close(std::exchange(m_number, -1)) == 0; }
 
   [[nodiscard]] bool isOpen() const { return m_number >= 0; }
   [[nodiscard]] int number() const { return m_number; }

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <random>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
+
+#include "platform/Descriptor.h"
+#include "platform/TemporaryFile.h"
 
 namespace notlet {
 namespace {
@@ -37,15 +39,6 @@ fs::path directoryOf(const fs::path& file) {
   return file.has_parent_path() ? file.parent_path() : fs::path(".");
 }
 
-/// The name does not grow with the file's, which may be as long as names can be.
-fs::path unusedNameBeside(const fs::path& file, std::string_view purpose) {
-  std::random_device device;
-  std::string name = ".notlet-" + std::string(purpose) + "-";
-  for (int digit = 0; digit < 16; ++digit)
-    name.push_back("0123456789abcdef"[device() % 16]);
-  return directoryOf(file) / name;
-}
-
 /// A name in the file system that goes away with this object, unless it was given away.
 class ScopedName {
  public:
@@ -64,28 +57,6 @@ class ScopedName {
  private:
   fs::path m_path;
   bool m_exists = false;
-};
-
-/// An open file that is closed with this object.
-class Descriptor {
- public:
-  Descriptor(FileCalls& calls, const char* path, int flags, mode_t mode = 0)
-      : m_calls(calls), m_number(calls.open(path, flags | O_CLOEXEC, mode)) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() {
-    if (m_number >= 0)
-      m_calls.close(m_number);
-  }
-
-  [[nodiscard]] bool isOpen() const { return m_number >= 0; }
-  [[nodiscard]] int number() const { return m_number; }
-  /// Network and quota file systems report a failed write no earlier than here.
-  [[nodiscard]] bool close() { return m_calls.close(std::exchange(m_number, -1)) == 0; }
-
- private:
-  FileCalls& m_calls;
-  int m_number;
 };
 
 bool writeAll(FileCalls& calls, int descriptor, std::string_view contents) {
@@ -107,21 +78,18 @@ bool syncDirectory(FileCalls& calls, const Descriptor& directory) {
   return calls.sync(directory.number()) == 0 || errno == EINVAL || errno == ENOTSUP;
 }
 
-/// The new contents, safely on disk under a name of their own.
-Result<void> writeTemporary(ScopedName& temporary, std::string_view contents, mode_t mode,
-                            const fs::path& file, FileCalls& calls) {
-  Descriptor descriptor(calls, temporary.text(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
-  if (!descriptor.isOpen())
-    return writeFailure(file, errno);
-  temporary.setExists(true);
-  if (calls.setMode(descriptor.number(), mode) != 0 || !writeAll(calls, descriptor.number(), contents) ||
-      calls.sync(descriptor.number()) != 0 || !descriptor.close())
+/// Brings the new contents safely to disk under a name of their own.
+Result<void> fill(TemporaryFile& temporary, std::string_view contents, mode_t mode, const fs::path& file,
+                  FileCalls& calls) {
+  if (!temporary.isOpen() || calls.setMode(temporary.descriptor(), mode) != 0 ||
+      !writeAll(calls, temporary.descriptor(), contents) || calls.sync(temporary.descriptor()) != 0 ||
+      !temporary.close())
     return writeFailure(file, errno);
   return {};
 }
 
 Descriptor openDirectory(FileCalls& calls, const fs::path& directory) {
-  return {calls, directory.c_str(), O_RDONLY | O_DIRECTORY};
+  return Descriptor(calls.open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
 }
 
 /// Everything up to one byte above the limit, or the reason why it cannot be read.
@@ -148,20 +116,22 @@ std::expected<std::string, int> readAll(int descriptor, std::size_t limit) {
 
 Result<void> writeDurably(const fs::path& file, std::string_view contents, mode_t mode, FileCalls& calls) {
   const fs::path target = linkTarget(file);
-  ScopedName temporary(unusedNameBeside(target, "new"));
-  ScopedName former(unusedNameBeside(target, "old"));
+  removeAbandonedFiles(directoryOf(target));
   const Descriptor directory = openDirectory(calls, directoryOf(target));
   if (!directory.isOpen())
     return writeFailure(file, errno);
-  if (Result<void> written = writeTemporary(temporary, contents, mode, file, calls); !written)
+  TemporaryFile temporary(target, "new", calls);
+  if (Result<void> written = fill(temporary, contents, mode, file, calls); !written)
     return written;
 
   // A second name keeps the old contents at hand until the new ones are known to last.
+  ScopedName former(temporaryNameBeside(target, "old"));
+  const Descriptor old(::open(target.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  holdTemporary(old.number());
   former.setExists(calls.link(target.c_str(), former.text()) == 0);
   const bool replacesFile = former.exists() || errno != ENOENT;
-  if (calls.rename(temporary.text(), target.c_str()) != 0)
+  if (!temporary.takePlaceOf(target))
     return writeFailure(file, errno);
-  temporary.setExists(false);
   if (syncDirectory(calls, directory))
     return {};
 
@@ -174,13 +144,14 @@ Result<void> writeDurably(const fs::path& file, std::string_view contents, mode_
 }
 
 Result<bool> createDurably(const fs::path& file, std::string_view contents, mode_t mode, FileCalls& calls) {
-  ScopedName temporary(unusedNameBeside(file, "new"));
+  removeAbandonedFiles(directoryOf(file));
   const Descriptor directory = openDirectory(calls, directoryOf(file));
   if (!directory.isOpen())
     return writeFailure(file, errno);
-  if (Result<void> written = writeTemporary(temporary, contents, mode, file, calls); !written)
+  TemporaryFile temporary(file, "new", calls);
+  if (Result<void> written = fill(temporary, contents, mode, file, calls); !written)
     return std::unexpected(written.error());
-  if (calls.link(temporary.text(), file.c_str()) != 0) {
+  if (calls.link(temporary.name().c_str(), file.c_str()) != 0) {
     if (errno == EEXIST)
       return false;
     return writeFailure(file, errno);
@@ -195,7 +166,7 @@ Result<bool> createDurably(const fs::path& file, std::string_view contents, mode
 
 Result<std::optional<std::string>> readWholeFile(const fs::path& file, std::size_t limit) {
   // Without O_NONBLOCK a named pipe would be waited for.
-  const Descriptor descriptor(FileCalls::system(), file.c_str(), O_RDONLY | O_NONBLOCK);
+  const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   if (!descriptor.isOpen()) {
     if (errno == ENOENT || errno == ENOTDIR)
       return std::nullopt;
@@ -217,29 +188,35 @@ Result<std::optional<std::string>> readWholeFile(const fs::path& file, std::size
   return std::move(*contents);
 }
 
-Result<void> makePrivateDirectory(const fs::path& directory) {
+Result<void> makeDirectory(const fs::path& directory) {
   struct stat status{};
   if (::stat(directory.c_str(), &status) == 0) {
     if (!S_ISDIR(status.st_mode))
       return fileFailure(directory, "cannot be used as a folder", ENOTDIR);
-    if ((status.st_mode & 07777) != 0700 && ::chmod(directory.c_str(), 0700) != 0)
-      return fileFailure(directory, "could not be made private", errno);
     return {};
   }
   if (errno != ENOENT)
     return fileFailure(directory, "could not be opened", errno);
 
   const fs::path parent = directoryOf(directory);
-  if (!fs::exists(parent)) {
-    if (Result<void> made = makePrivateDirectory(parent); !made)
-      return made;
-  }
+  if (Result<void> made = makeDirectory(parent); !made)
+    return made;
   // EEXIST: another process was faster, which is as good.
   if ((::mkdir(directory.c_str(), 0700) != 0 && errno != EEXIST) || ::chmod(directory.c_str(), 0700) != 0)
     return fileFailure(directory, "could not be created", errno);
   const Descriptor descriptor = openDirectory(FileCalls::system(), parent);
   if (!descriptor.isOpen() || !syncDirectory(FileCalls::system(), descriptor))
     return fileFailure(directory, "could not be created", errno);
+  return {};
+}
+
+Result<void> makePrivateDirectory(const fs::path& directory) {
+  if (Result<void> made = makeDirectory(directory); !made)
+    return made;
+  struct stat status{};
+  if (::stat(directory.c_str(), &status) != 0 ||
+      ((status.st_mode & 07777) != 0700 && ::chmod(directory.c_str(), 0700) != 0))
+    return fileFailure(directory, "could not be made private", errno);
   return {};
 }
 

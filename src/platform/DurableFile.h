@@ -15,7 +15,8 @@ namespace notlet {
 /// Writes the whole file so that it survives a power cut: it then holds either its old or its new contents.
 ///
 /// A symbolic link stays one, the file it points to is replaced. `mode` holds whatever the umask. On failure
-/// the file is as it was, nothing is left beside it, and the message names the file and the reason.
+/// the file is as it was, nothing is left beside it, and the message names the file and the reason. What was
+/// left in the folder by processes that were killed while they wrote is removed.
 [[nodiscard]] Result<void> writeDurably(const std::filesystem::path& file, std::string_view contents,
                                         mode_t mode = 0600, FileCalls& calls = FileCalls::system());
 
@@ -28,7 +29,11 @@ namespace notlet {
 [[nodiscard]] Result<std::optional<std::string>> readWholeFile(const std::filesystem::path& file,
                                                                std::size_t limit);
 
-/// Makes sure of a folder that is open to its owner alone (0700 whatever the umask), with missing parents.
+/// Makes sure of a folder so that it survives a power cut. It and its missing parents are made open to their
+/// owner alone (0700 whatever the umask); one that is there keeps its permissions.
+[[nodiscard]] Result<void> makeDirectory(const std::filesystem::path& directory);
+
+/// Like makeDirectory, but a folder that is there loses its permissions for others.
 [[nodiscard]] Result<void> makePrivateDirectory(const std::filesystem::path& directory);
 
 } // namespace notlet

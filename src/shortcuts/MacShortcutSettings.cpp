@@ -80,7 +80,7 @@ void MacShortcutSettings::openConfigFile() {
 }
 
 Result<void> MacShortcutSettings::load() {
-  if (Result<void> made = makeDirectory(); !made)
+  if (Result<void> made = makeFolder(); !made)
     return made;
   const Result<std::optional<std::string>> contents = readWholeFile(file(), MacShortcutConfig::largestFile);
   if (!contents)
@@ -99,21 +99,14 @@ Result<void> MacShortcutSettings::load() {
 }
 
 Result<void> MacShortcutSettings::store(const MacShortcutConfig& config) const {
-  if (Result<void> made = makeDirectory(); !made)
+  if (Result<void> made = makeFolder(); !made)
     return made;
   return write(config);
 }
 
 // Unlike the folders that only this program uses, one that is already there keeps its permissions.
-Result<void> MacShortcutSettings::makeDirectory() const {
-  if (!m_directory)
-    return homeIsMissing();
-  std::error_code error;
-  fs::create_directories(*m_directory, error);
-  if (error)
-    return failure("The folder “" + m_directory->string() + "” could not be created: " + error.message() +
-                   ".");
-  return {};
+Result<void> MacShortcutSettings::makeFolder() const {
+  return m_directory ? makeDirectory(*m_directory) : homeIsMissing();
 }
 
 fs::path MacShortcutSettings::file() const {

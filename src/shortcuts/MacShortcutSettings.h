@@ -47,7 +47,7 @@ class MacShortcutSettings : public QObject {
  private:
   [[nodiscard]] Result<void> load();
   [[nodiscard]] Result<void> store(const MacShortcutConfig& config) const;
-  [[nodiscard]] Result<void> makeDirectory() const;
+  [[nodiscard]] Result<void> makeFolder() const;
   [[nodiscard]] std::filesystem::path file() const;
   void setConfig(const MacShortcutConfig& config);
 

@@ -101,6 +101,7 @@ TEST_F(TransferTest, exportsASelection) {
 TEST_F(TransferTest, replacesAFileWholeOrNotAtAll) {
   store(here, randomNotlets(100, 5));
   writeFile(file, "the former contents");
+  writeFile(folder.path() / ".notlet-export-0123456789abcdef", "what a killed export left");
   // More than the process may write.
   const std::string limited = "ulimit -f 8; exec \"$0\" export \"$1\"";
   NotletProcess shell;

@@ -52,7 +52,12 @@ class TroubleJourney(Journey):
                 self.clear_drafts()
 
     def test_the_key_that_quits_works_without_the_main_window(self):
+        left = self.desktop.place("state", "notlet", "drafts", "edits", ".notlet-new-0123456789abcdef")
+        os.makedirs(os.path.dirname(left))
+        with open(left, "w") as file:
+            file.write("what a killed run was about to write")
         self.start_in_background()
+        self.assertFalse(os.path.exists(left))
         self.open_popover()
         self.desktop.type("kept")
         self.await_text("kept", POPOVER)

@@ -3,11 +3,13 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <set>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace notlet {
@@ -16,9 +18,11 @@ namespace {
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-/// Lets one call fail, counted over all kinds.
+/// Lets one call fail, counted over all kinds, or stops the process before it.
 class FailingCalls : public FileCalls {
  public:
+  static constexpr int stop = 0;
+
   FailingCalls(int failing, int reason) : m_failing(failing), m_reason(reason) {}
 
   [[nodiscard]] const std::string& failed() const { return m_failed; }
@@ -53,6 +57,8 @@ class FailingCalls : public FileCalls {
   bool fails(const char* name) {
     if (++m_count != m_failing)
       return false;
+    if (m_reason == stop)
+      return ::raise(SIGSTOP) != 0;
     m_failed = name;
     errno = m_reason;
     return true;
@@ -140,6 +146,40 @@ TEST_F(DurableFileTest, eachFailingCallLeavesTheOldFileAndNothingElse) {
   }
 }
 
+// A process is held up before each of its calls, and maybe killed, while another one writes beside it.
+TEST_F(DurableFileTest, removesWhatKilledProcessesLeaveAndNothingOfLivingOnes) {
+  for (const bool isKilled : {true, false}) {
+    int status = 0;
+    for (int number = 1; number == 1 || WIFSTOPPED(status); ++number) {
+      SCOPED_TRACE("at call " + std::to_string(number) + (isKilled ? ", killed" : ""));
+      ASSERT_TRUE(writeDurably(file(), "old"));
+      const pid_t writer = ::fork();
+      if (writer == 0) {
+        FailingCalls calls(number, FailingCalls::stop);
+        ::_exit(writeDurably(file(), "new", 0600, calls) ? 0 : 1);
+      }
+      ASSERT_EQ(::waitpid(writer, &status, WUNTRACED), writer);
+      if (!WIFSTOPPED(status))
+        break;
+      if (isKilled) {
+        ::kill(writer, SIGKILL);
+        ASSERT_EQ(::waitpid(writer, nullptr, 0), writer);
+      }
+      ASSERT_TRUE(writeDurably(folder() / "other", "x"));
+      if (!isKilled) {
+        int ended = -1;
+        ::kill(writer, SIGCONT);
+        ASSERT_EQ(::waitpid(writer, &ended, 0), writer);
+        EXPECT_EQ(ended, 0);
+        EXPECT_EQ(contents(file()), "new");
+      }
+      EXPECT_THAT(contents(file()), testing::AnyOf("old", "new"));
+      EXPECT_EQ(names(), (std::set<std::string>{"file.json", "other"}));
+    }
+    EXPECT_EQ(status, 0);
+  }
+}
+
 TEST_F(DurableFileTest, interruptedAndShortWritesAreContinued) {
   ShortWritingCalls shortCalls;
   ASSERT_TRUE(writeDurably(file(), "0123456789", 0600, shortCalls));
@@ -165,6 +205,8 @@ TEST_F(DurableFileTest, modeHoldsWhateverTheUmask) {
     }
   }
   ::chmod(folder().c_str(), 0755);
+  ASSERT_TRUE(makeDirectory(folder() / "a" / "b"));
+  EXPECT_EQ(modeOf(folder()), 0755);
   ASSERT_TRUE(makePrivateDirectory(folder()));
   EXPECT_EQ(modeOf(folder()), 0700);
   ASSERT_TRUE(writeDurably(file(), "x"));

@@ -76,7 +76,10 @@ class MacShortcutSettingsTest : public testing::Test {
 };
 
 TEST_F(MacShortcutSettingsTest, TheFirstStartWritesTheDefaults) {
+  const mode_t former = ::umask(0);
   const MacShortcutSettings settings(directory, opener);
+  ::umask(former);
+  EXPECT_EQ(fs::status(directory.parent_path()).permissions(), fs::perms::owner_all);
   EXPECT_EQ(settings.config(), MacShortcutConfig::defaults());
   EXPECT_EQ(settings.errorMessage(), std::nullopt);
   EXPECT_EQ(contents(), MacShortcutConfig::defaults().encode());
