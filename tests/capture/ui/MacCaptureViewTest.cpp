@@ -212,6 +212,7 @@ TEST_F(MacCaptureViewTest, ANoticeStaysBehindAWarningUntilItIsDismissed) {
   EXPECT_TRUE(shows(notice));
   button(QStringLiteral("Dismiss message"))->click();
   EXPECT_FALSE(shows(notice));
+  view.reset(); // Its composer goes with this test.
 }
 
 } // namespace notlet
