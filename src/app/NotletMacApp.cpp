@@ -132,6 +132,7 @@ void NotletMacApp::followStorage() {
 
 void NotletMacApp::makeRules(ModelContext& context) {
   connect(&context, &ModelContext::storeFailed, this, &NotletMacApp::reportStoreFailure);
+  context.setLoadingPaused(!m_isDesktopStarted);
   makeComposer(m_mainCapture, context, CaptureComposer::Surface::mainWindow);
   makeComposer(m_popoverCapture, context, CaptureComposer::Surface::quickCapture);
   makeComposer(m_panelCapture, context, CaptureComposer::Surface::quickCapture);
@@ -336,8 +337,8 @@ void NotletMacApp::launch(const std::optional<LaunchRequest>& request) {
     startDesktop();
 }
 
-// The tray, the bus and the popover's first layout can wait until there is something to see. A window that
-// its content covers is not painted itself, but it is exposed.
+// The tray, the bus, the popover's first layout and the older notlets can wait until there is something to
+// see. A window that its content covers is not painted itself, but it is exposed.
 bool NotletMacApp::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Expose) {
     qApp->removeEventFilter(this);
@@ -351,6 +352,8 @@ void NotletMacApp::startDesktop() {
     return;
   m_desktop.start();
   popover().prepare();
+  if (ModelContext* context = m_storage.context())
+    context->setLoadingPaused(false);
 }
 
 void NotletMacApp::handle(const LaunchRequest& request) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace notlet {
 namespace {
@@ -260,6 +261,16 @@ void ModelContext::loadSlice() {
   }
   if (m_isComplete)
     finishLoading();
+  else if (!m_isLoadingPaused)
+    m_loadTimer.start(0);
+}
+
+void ModelContext::setLoadingPaused(bool paused) {
+  const bool concernsLoading = m_loadedUpTo && !m_isComplete && !m_failure;
+  if (std::exchange(m_isLoadingPaused, paused) == paused || !concernsLoading)
+    return;
+  if (paused)
+    m_loadTimer.stop();
   else
     m_loadTimer.start(0);
 }

@@ -58,6 +58,10 @@ class ModelContext : public QObject {
   /// Why the store cannot be read any further, if that is so; not what may pass.
   [[nodiscard]] const std::optional<StoreError>& failure() const { return m_failure; }
 
+  /// While paused, only the newest notlets are there: the rest does not compete with what is to be shown
+  /// first.
+  void setLoadingPaused(bool paused);
+
   /// Adds a notlet, or replaces the one with its identifier.
   void insert(NotletEntry entry);
   /// Gives the notlet with this identifier its new fields; nothing happens when there is none.
@@ -118,6 +122,7 @@ class ModelContext : public QObject {
 
   std::optional<ListPosition> m_loadedUpTo;
   bool m_hasBegun = false;
+  bool m_isLoadingPaused = false;
   bool m_isComplete = false;
   std::int64_t m_seenRevision = 0;
   std::optional<std::int64_t> m_seenVersion;

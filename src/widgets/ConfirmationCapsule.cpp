@@ -24,7 +24,6 @@ QFont capsuleFont() {
 ConfirmationCapsule::ConfirmationCapsule(const QString& message, QWidget* parent) : QLabel(message, parent) {
   setAttribute(Qt::WA_TransparentForMouseEvents);
   setFocusPolicy(Qt::NoFocus);
-  resize(ConfirmationCapsule::sizeHint());
   hide();
   m_presence.setStartValue(0.0);
   m_presence.setEndValue(1.0);

@@ -167,6 +167,10 @@ TEST_F(ModelContextTest, theNewestAreThereAtOnceAndTheRestFollows) {
   const NotletEntry* address = &context->at(150);
   const Mirror mirror(*context);
   const QSignalSpy finished(context.get(), &ModelContext::loadingFinished);
+  context->setLoadingPaused(true);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(context->size(), 200);
+  context->setLoadingPaused(false);
   ASSERT_TRUE(waitFor([&] { return context->isComplete(); }));
   EXPECT_EQ(finished.count(), 1);
   EXPECT_EQ(&context->at(150), address);

@@ -80,6 +80,7 @@ void MacNotletView::layOut() {
 // The confirmation stands where the title is.
 void MacNotletView::render() {
   m_titleFade->setShown(!m_composer.state().showConfirmation);
+  placeConfirmation();
   m_confirmation->setShown(m_composer.state().showConfirmation);
 }
 
@@ -100,6 +101,13 @@ void MacNotletView::arrange() {
   m_column->setSpacing(0);
   m_title->setFont(displayFont(measures.titleSize));
   m_title->setContentsMargins(0, 0, 0, measures.spacing);
+  placeConfirmation();
+}
+
+// Its check mark takes a font of its own, which the first picture need not wait for.
+void MacNotletView::placeConfirmation() {
+  if (!m_composer.state().showConfirmation && m_confirmation->isHidden())
+    return;
   m_confirmation->resize(m_confirmation->sizeHint());
   m_confirmation->move((width() - m_confirmation->width()) / 2, confirmationTop);
 }

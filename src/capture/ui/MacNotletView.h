@@ -30,6 +30,7 @@ class MacNotletView : public QWidget {
   void layOut();
   void render();
   void arrange();
+  void placeConfirmation();
 
   CaptureComposer& m_composer;
   QVBoxLayout* m_column;
