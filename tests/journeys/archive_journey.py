@@ -42,6 +42,30 @@ class ArchiveJourney(Journey):
         self.desktop.type("typed at once")
         self.await_text("typed at once")
 
+    def test_what_a_key_opens_gets_the_keys_after_it_but_not_its_repeats(self):
+        self.open_archive()
+        self.desktop.keys("ctrl+s", "j")
+        self.desktop.hold("x")
+        await_value(lambda: self.desktop.text(self.editor()).startswith("xx"), "the key to repeat")
+        self.desktop.keys("Escape")
+        self.desktop.type("/anna", delay=0)
+        self.await_rows("Newest")
+        self.desktop.keys("Escape", "Down")
+        self.desktop.hold("e")
+        self.assertEqual(self.desktop.text(self.desktop.control("text", "Edit notlet")), TEXTS[-1])
+
+    def test_keys_are_found_on_other_layouts(self):
+        self.open_archive()
+        self.addCleanup(self.desktop.output, "setxkbmap", "us")
+        field = self.desktop.control("text", "Search notlets")
+        for layout, search in (("ru", "61"), ("de", "shift+16")):
+            self.assertEqual(self.desktop.output("setxkbmap", layout), "")
+            self.desktop.keys("44")  # As the keys are numbered: what types "j" elsewhere.
+            self.await_selected("Newest")
+            self.desktop.keys(search)
+            await_value(lambda: self.desktop.has_state(field, "FOCUSED"), "the search")
+            self.desktop.keys("Escape", "Up")
+
     def test_the_leader_and_its_key_never_reach_the_editor(self):
         self.open()
         self.desktop.type("some text")

@@ -190,8 +190,12 @@ class VirtualDesktop:
 
     # Keys, mouse and windows
 
-    def type(self, text):
-        self.output("xdotool", "type", "--delay", "8", "--", text)
+    def type(self, text, delay=8):
+        self.output("xdotool", "type", "--delay", str(delay), "--", text)
+
+    def hold(self, key, seconds=1.0):
+        """Holds a key for so long that it repeats."""
+        self.output("xdotool", "keydown", key, "sleep", str(seconds), "keyup", key)
 
     def keys(self, *names):
         self.output("xdotool", "key", "--clearmodifiers", *names)

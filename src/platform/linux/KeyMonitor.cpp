@@ -82,40 +82,11 @@ std::optional<std::string> charactersOfKey(int key) {
   return QString::fromUcs4(&character, 1).toLower().toStdString();
 }
 
-std::optional<std::string> charactersOfSymbol(xkb_keysym_t symbol) {
-  std::array<char, 8> characters{};
-  // Counts the terminating null, too.
-  if (xkb_keysym_to_utf8(symbol, characters.data(), characters.size()) <= 1)
-    return std::nullopt;
-  return std::string(characters.data());
-}
-
 /// QKeyEvent::text() would not do: under Control it is a control character or nothing.
 std::optional<std::string> charactersOf(const QKeyEvent& event) {
   if (event.nativeVirtualKey() == XKB_KEY_NoSymbol)
     return charactersOfKey(event.key());
   return charactersOfSymbol(event.nativeVirtualKey());
-}
-
-/// One row of keys on a keyboard with the letters of the American layout.
-struct KeyRow {
-  quint32 firstScanCode;
-  std::string_view characters;
-};
-
-constexpr auto keyRows = std::to_array<KeyRow>({
-    {10, "1234567890-="},
-    {24, "qwertyuiop[]"},
-    {38, "asdfghjkl;'`"},
-    {52, "zxcvbnm,./"},
-});
-
-std::optional<std::string> charactersAtPlace(quint32 scanCode) {
-  for (const auto& [first, characters] : keyRows) {
-    if (scanCode >= first && scanCode - first < characters.size())
-      return std::string(1, characters[scanCode - first]);
-  }
-  return std::nullopt;
 }
 
 bool isForeignLetter(const std::string& characters) {
@@ -131,7 +102,7 @@ std::optional<std::string> latinCharactersOf(const QKeyEvent& event) {
     return charactersOfKey(event.key());
   std::optional<std::string> typed = charactersOf(event);
   if (typed && isForeignLetter(*typed)) {
-    if (std::optional<std::string> placed = charactersAtPlace(event.nativeScanCode()))
+    if (std::optional<std::string> placed = americanCharacters(event.nativeScanCode()))
       return placed;
   }
   return typed;
@@ -162,6 +133,9 @@ std::optional<KeyPress> keyPressOf(const QKeyEvent& event) {
 }
 
 namespace {
+
+/// A key is held for longer before it repeats, in milliseconds; a program may press and release it at once.
+constexpr quint64 shortestDelay = 50;
 
 quint32 placeOf(const QKeyEvent& event) {
   return event.nativeScanCode() != 0 ? event.nativeScanCode() : static_cast<quint32>(event.key());
@@ -229,12 +203,14 @@ bool KeyMonitor::consumes(const QKeyEvent& event, bool isFree) {
   if (!press)
     return false;
   press->isRepeat = isRepeat(event);
+  if (std::optional<std::string> latin = m_latinKeys.charactersOf(event))
+    press->latinCharacters = std::move(latin);
   const bool isOffered = isFree && QApplication::activePopupWidget() == nullptr && !isComposing();
   if (press->isRepeat) {
     const bool isConsumedNow = isOffered && m_pressed.isOffered && m_handler(*press);
     return isConsumedNow || m_pressed.isConsumed;
   }
-  m_pressed = {placeOf(event), isOffered, false};
+  m_pressed = {placeOf(event), event.timestamp(), isOffered, false};
   m_pressed.isConsumed = isOffered && m_handler(*press);
   return m_pressed.isConsumed;
 }
@@ -243,8 +219,8 @@ bool KeyMonitor::consumes(const QKeyEvent& event, bool isFree) {
 /// release alone at first.
 bool KeyMonitor::isRepeat(const QKeyEvent& event) const {
   const quint32 place = placeOf(event);
-  const bool followsRelease =
-      event.timestamp() != 0 && place == m_released.place && event.timestamp() == m_released.timestamp;
+  const bool followsRelease = place == m_released.place && event.timestamp() == m_released.timestamp &&
+                              event.timestamp() >= m_pressed.timestamp + shortestDelay;
   return place == m_pressed.place && (event.isAutoRepeat() || followsRelease);
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "platform/KeyPress.h"
+#include "platform/linux/LatinKeys.h"
 
 class QKeyEvent;
 class QWindow;
@@ -45,6 +46,7 @@ class KeyMonitor : public QObject {
   /// The key that was pressed last, by its place where that is known.
   struct Pressed {
     quint32 place = 0;
+    quint64 timestamp = 0;
     bool isOffered = false;
     bool isConsumed = false;
   };
@@ -60,6 +62,7 @@ class KeyMonitor : public QObject {
   [[nodiscard]] bool isComposing() const;
 
   Handler m_handler;
+  LatinKeys m_latinKeys;
   /// The key whose shortcut override has come by, and which is to follow as a key press.
   std::optional<Seen> m_override;
   /// The last key press at a window.

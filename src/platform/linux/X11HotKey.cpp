@@ -3,7 +3,7 @@
 #include <QCoreApplication>
 #include <utility>
 
-#include "platform/linux/X11Keyboard.h"
+#include "platform/linux/X11Keymap.h"
 #include "platform/linux/X11UserTime.h"
 
 namespace notlet {
@@ -12,9 +12,6 @@ namespace {
 
 /// A held key repeats sooner than this, in milliseconds: later, its release must have been missed.
 constexpr xcb_timestamp_t longestRepeat = 3000;
-
-/// All events of the extension begin like this one.
-using XkbEvent = xcb_xkb_state_notify_event_t;
 
 } // namespace
 
@@ -34,8 +31,6 @@ void X11HotKey::install() {
     return;
   }
   m_isInstalled = true;
-  const auto* xkb = xcb_get_extension_data(m_connection.handle, &xcb_xkb_id);
-  m_xkbEvent = xkb != nullptr && xkb->present != 0 ? xkb->first_event : -1;
   qApp->installNativeEventFilter(this);
   followLayout();
 }
@@ -67,7 +62,7 @@ bool X11HotKey::nativeEventFilter(const QByteArray& type, void* message, qintptr
     keyReleased(reinterpret_cast<const xcb_key_release_event_t&>(event));
     break;
   default:
-    if (isLayoutChange(event))
+    if (X11Keymap::isChange(m_connection, event) || X11Keymap::isOtherLayout(m_connection, event))
       scheduleFollowing();
   }
   return false;
@@ -92,24 +87,6 @@ void X11HotKey::keyReleased(const xcb_key_release_event_t& event) {
     return;
   m_isHeld = false;
   m_lastEventTime = event.time;
-}
-
-// Qt has asked the server for the events of the extension.
-bool X11HotKey::isLayoutChange(const xcb_generic_event_t& event) const {
-  if (eventType(event) == XCB_MAPPING_NOTIFY)
-    return reinterpret_cast<const xcb_mapping_notify_event_t&>(event).request != XCB_MAPPING_POINTER;
-  if (eventType(event) != m_xkbEvent)
-    return false;
-  const auto& change = reinterpret_cast<const XkbEvent&>(event);
-  switch (change.xkbType) {
-  case XCB_XKB_NEW_KEYBOARD_NOTIFY:
-  case XCB_XKB_MAP_NOTIFY:
-    return true;
-  case XCB_XKB_STATE_NOTIFY:
-    return (change.changed & XCB_XKB_STATE_PART_GROUP_STATE) != 0;
-  default:
-    return false;
-  }
 }
 
 // One change comes as a flurry of events.

@@ -32,7 +32,6 @@ class X11HotKey final : public GlobalHotKey, private QAbstractNativeEventFilter 
   bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
   void keyPressed(const xcb_key_press_event_t& event);
   void keyReleased(const xcb_key_release_event_t& event);
-  [[nodiscard]] bool isLayoutChange(const xcb_generic_event_t& event) const;
   void scheduleFollowing();
   void followLayout();
   Grab obtain(const X11KeyBinding& binding);
@@ -43,7 +42,6 @@ class X11HotKey final : public GlobalHotKey, private QAbstractNativeEventFilter 
   X11UserTime& m_userTime;
   /// Without a handle when there is no X server.
   X11Connection m_connection;
-  int m_xkbEvent = -1;
   bool m_isInstalled = false;
   bool m_isFollowingScheduled = false;
   std::optional<X11KeyBinding> m_askedFor;

@@ -1,13 +1,11 @@
 #include "platform/linux/X11KeyBinding.h"
 
-#include <xkbcommon/xkbcommon-x11.h>
-
 #include <algorithm>
 #include <initializer_list>
-#include <memory>
 #include <optional>
+#include <span>
 
-#include "platform/linux/X11Keyboard.h"
+#include "platform/linux/X11Keymap.h"
 
 namespace notlet {
 
@@ -15,83 +13,45 @@ namespace {
 
 constexpr xcb_keycode_t usualPlaceOfJ = 44;
 
-template<auto release>
-struct Release {
-  template<typename Object>
-  void operator()(Object* object) const {
-    release(object);
-  }
-};
-using Context = std::unique_ptr<xkb_context, Release<xkb_context_unref>>;
-using Keymap = std::unique_ptr<xkb_keymap, Release<xkb_keymap_unref>>;
-using State = std::unique_ptr<xkb_state, Release<xkb_state_unref>>;
-
-bool hasXkb(const X11Connection& connection) {
-  const auto* extension = xcb_get_extension_data(connection.handle, &xcb_xkb_id);
-  return extension != nullptr && extension->present != 0;
-}
-
-/// The keymap of the server's keyboard and which of its layouts is in use.
+/// Where the symbols are on the server's keyboard.
 class Keyboard {
  public:
-  explicit Keyboard(const X11Connection& connection) {
-    // Asking for an extension that is not there would end the connection.
-    if (!hasXkb(connection))
-      return;
-    const Context context(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
-    const std::int32_t device = xkb_x11_get_core_keyboard_device_id(connection.handle);
-    if (!context || device < 0)
-      return;
-    m_keymap.reset(xkb_x11_keymap_new_from_device(context.get(), connection.handle, device,
-                                                  XKB_KEYMAP_COMPILE_NO_FLAGS));
-    if (!m_keymap)
-      return;
-    const State state(xkb_x11_state_new_from_device(m_keymap.get(), connection.handle, device));
-    if (state)
-      m_layoutInUse = xkb_state_serialize_layout(state.get(), XKB_STATE_LAYOUT_EFFECTIVE);
-  }
+  explicit Keyboard(const X11Connection& connection) : m_keymap(X11Keymap::ask(connection)) {}
 
   [[nodiscard]] std::optional<xcb_keycode_t> keyTyping(xkb_keysym_t symbol) const {
-    if (auto key = keyTyping(symbol, m_layoutInUse))
+    if (auto key = keyTyping(symbol, m_keymap.layoutInUse))
       return key;
-    for (xkb_layout_index_t layout = 0; m_keymap && layout < xkb_keymap_num_layouts(m_keymap.get()); ++layout)
+    for (xkb_layout_index_t layout = 0; keymap() != nullptr && layout < xkb_keymap_num_layouts(keymap());
+         ++layout)
       if (auto key = keyTyping(symbol, layout))
         return key;
     return std::nullopt;
   }
 
   [[nodiscard]] bool hasSymbol(xcb_keycode_t key, xkb_keysym_t symbol) const {
-    if (!m_keymap || key == 0)
+    if (keymap() == nullptr || key == 0)
       return false;
-    for (xkb_layout_index_t layout = 0; layout < xkb_keymap_num_layouts_for_key(m_keymap.get(), key);
-         ++layout)
-      for (xkb_level_index_t level = 0; level < xkb_keymap_num_levels_for_key(m_keymap.get(), key, layout);
-           ++level)
-        if (symbolAt(key, layout, level) == symbol)
+    for (xkb_layout_index_t layout = 0; layout < xkb_keymap_num_layouts_for_key(keymap(), key); ++layout)
+      for (xkb_level_index_t level = 0; level < xkb_keymap_num_levels_for_key(keymap(), key, layout); ++level)
+        if (symbolAt(keymap(), key, layout, level) == symbol)
           return true;
     return false;
   }
 
  private:
   [[nodiscard]] std::optional<xcb_keycode_t> keyTyping(xkb_keysym_t symbol, xkb_layout_index_t layout) const {
-    if (!m_keymap)
+    if (keymap() == nullptr)
       return std::nullopt;
-    for (xkb_keycode_t key = xkb_keymap_min_keycode(m_keymap.get());
-         key <= std::min<xkb_keycode_t>(xkb_keymap_max_keycode(m_keymap.get()), UINT8_MAX); ++key)
-      if (symbolAt(key, layout, 0) == symbol)
+    for (xkb_keycode_t key = xkb_keymap_min_keycode(keymap());
+         key <= std::min<xkb_keycode_t>(xkb_keymap_max_keycode(keymap()), UINT8_MAX); ++key)
+      if (symbolAt(keymap(), key, layout, 0) == symbol)
         return static_cast<xcb_keycode_t>(key);
     return std::nullopt;
   }
 
-  [[nodiscard]] xkb_keysym_t symbolAt(xkb_keycode_t key, xkb_layout_index_t layout,
-                                      xkb_level_index_t level) const {
-    const xkb_keysym_t* symbols = nullptr;
-    const int count = xkb_keymap_key_get_syms_by_level(m_keymap.get(), key, layout, level, &symbols);
-    return count == 1 ? *symbols : XKB_KEY_NoSymbol;
-  }
+  [[nodiscard]] xkb_keymap* keymap() const { return m_keymap.keymap.get(); }
 
-  Keymap m_keymap;
-  xkb_layout_index_t m_layoutInUse = 0;
+  X11Keymap m_keymap;
 };
 
 /// Which of the bits Mod1 to Mod5 a key stands for that has one of the symbols.

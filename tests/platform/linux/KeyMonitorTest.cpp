@@ -143,6 +143,45 @@ TEST(KeyPressOf, AHeldKeyIsToldFromAPressedOne) {
   }
 }
 
+// The evdev codes of the keys that are j, e, / and q on an American keyboard.
+TEST(LatinKeysTest, KeysOfOtherScriptsAreKnownByWhatTheyTypeInLatin) {
+  constexpr std::array<xkb_keycode_t, 4> places{44, 26, 61, 24};
+  struct Case {
+    const char* layouts;
+    const char* variants;
+    xkb_layout_index_t inUse;
+    std::array<const char*, 4> latin;
+  };
+  constexpr std::array<const char*, 4> american{"j", "e", "/", "q"};
+  constexpr std::array<const char*, 4> isLatinItself{};
+  for (const Case& one : {
+           Case{"ru", "", 0, american},
+           {"gr", "", 0, american},
+           {"il", "", 0, american},
+           {"th", "", 0, american},
+           {"us,ru", "", 1, american},
+           {"ru,us", ",", 0, american},
+           {"us,ru", "dvorak,", 1, {"h", ".", "z", "'"}},
+           {"fr,ru", "", 1, {"j", "e", "!", "a"}},
+           {"us,ru", "", 0, isLatinItself},
+           {"us", "dvorak", 0, isLatinItself},
+           {"fr", "", 0, isLatinItself},
+           {"tr", "f", 0, isLatinItself},
+           {"rs", "latin", 0, isLatinItself},
+       }) {
+    SCOPED_TRACE(std::string(one.layouts) + " " + one.variants + " " + std::to_string(one.inUse));
+    const xkb_rule_names names{"evdev", "pc105", one.layouts, one.variants, ""};
+    xkb_context* context = xkb_context_new(XKB_CONTEXT_NO_FLAGS);
+    const XkbKeymap keymap(xkb_keymap_new_from_names(context, &names, XKB_KEYMAP_COMPILE_NO_FLAGS));
+    xkb_context_unref(context);
+    ASSERT_TRUE(keymap);
+    for (std::size_t index = 0; index < places.size(); ++index) {
+      const auto latin = latinCharacters(keymap.get(), places[index], one.inUse);
+      EXPECT_EQ(latin, one.latin[index] ? std::optional<std::string>(one.latin[index]) : std::nullopt);
+    }
+  }
+}
+
 class KeyMonitorTest : public testing::Test {
  protected:
   KeyMonitorTest() {
