@@ -299,10 +299,12 @@ TEST_F(ArchiveBrowserTest, WhatClosesTheEditorAndWhatDoesNot) {
     SCOPED_TRACE(steps);
     start();
     play("down edit");
+    const std::string draft = std::string("a #work #home, typed before ") + steps;
+    browser->setEditDraft(draft);
     play(steps);
     EXPECT_EQ(state().editingID.has_value(), isEditing);
     EXPECT_EQ(flags.editingActive, isEditing);
-    EXPECT_EQ(state().editDraft, isEditing ? "a #work #home" : "");
+    EXPECT_EQ(state().editDraft, isEditing ? draft : "");
   }
 }
 

@@ -246,6 +246,7 @@ TEST_F(ArchiveListTest, AChosenSuggestionCompletesTheDraftAndTypingGoesOnBehindI
 
 TEST_F(ArchiveListTest, AnUnsavedEditIsOfferedAndComesBack) {
   show({"first", "second"});
+  const int before = heightOf(0);
   clickRow(0);
   press(QStringLiteral("Edit"));
   QTest::keyClicks(editor(), QStringLiteral(" more"));
@@ -256,6 +257,11 @@ TEST_F(ArchiveListTest, AnUnsavedEditIsOfferedAndComesBack) {
   press(QStringLiteral("Restore unsaved edit"));
   EXPECT_EQ(editor()->exactText(), QStringLiteral("first more"));
   EXPECT_TRUE(editor()->hasFocus());
+  QTest::keyClick(editor(), Qt::Key_Return);
+  QTest::keyClicks(editor(), QStringLiteral("two"));
+  press(QStringLiteral("Save"));
+  clickRow(1);
+  EXPECT_GT(heightOf(0), before) << "it is painted with its old text";
 }
 
 TEST_F(ArchiveListTest, UndoBringsBackNoTextOfAnotherNotletOrOfAnEarlierEdit) {
@@ -407,6 +413,7 @@ TEST_F(ArchiveListTest, TextsOfMegabytesAreShownInBounds) {
     EXPECT_LE(shown.size(), MacArchiveRowWidget::mostShownBytes);
     EXPECT_TRUE(context->find(ids[row])->content.starts_with(shown));
     EXPECT_GT(shownText()->verticalScrollBar()->maximum(), 0);
+    EXPECT_EQ(shownText()->verticalScrollBar()->value(), 0);
     browser->beginEditing(ids[row]);
     settle();
     EXPECT_LE(heightOf(row), view().viewport()->height());

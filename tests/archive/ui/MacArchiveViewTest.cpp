@@ -355,6 +355,7 @@ TEST_F(MacArchiveViewTest, TheQuestionQuotesANotletThatIsOutOfSight) {
   browser->setSearchText("zzz");
   EXPECT_EQ(quotes().size(), 1) << "there is no list";
   browser->setSearchText("");
+  clock.time += std::chrono::hours(1);
   for (int count = 0; count < 50; ++count)
     fill({"newer"});
   view->findChild<ArchiveList*>()->view().scrollToCentre(0, false);
