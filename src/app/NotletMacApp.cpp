@@ -290,13 +290,16 @@ void NotletMacApp::connectDesktop() {
   // Edits of the shortcut file by hand take effect on return to the program.
   connect(qApp, &QGuiApplication::applicationStateChanged, m_delegate.get(),
           [this](Qt::ApplicationState state) {
-            if (state == Qt::ApplicationActive)
-              m_delegate->applicationDidBecomeActive();
+            if (state != Qt::ApplicationActive)
+              return;
+            m_delegate->applicationDidBecomeActive();
+            m_settings.tryAgain();
           });
 }
 
 void NotletMacApp::connectMessages() {
   connect(&m_shortcutSettings, &MacShortcutSettings::changed, this, &NotletMacApp::showNotice);
+  connect(&m_settings, &AppSettings::warningChanged, this, &NotletMacApp::showNotice);
   connect(m_mainWindow.get(), &MainWindow::noticeDismissed, this, &NotletMacApp::dismissNotice);
   showNotice();
 }
@@ -305,6 +308,8 @@ void NotletMacApp::showNotice() {
   std::string text = m_explanation;
   if (text.empty())
     text = m_shortcutSettings.errorMessage().value_or("");
+  if (text.empty())
+    text = m_settings.warning();
   if (text.empty())
     text = m_desktopLimits.notice(m_desktop.capabilities());
   m_mainWindow->setNotice(fromUtf8(text));
@@ -316,6 +321,8 @@ void NotletMacApp::dismissNotice() {
     m_windowLife.noteExplained();
   } else if (m_shortcutSettings.errorMessage()) {
     m_shortcutSettings.setErrorMessage(std::nullopt);
+  } else if (!m_settings.warning().empty()) {
+    m_settings.dismissWarning();
   } else {
     m_desktopLimits.noteRead();
   }
@@ -365,6 +372,8 @@ void NotletMacApp::keepDrafts() {
   for (Capture* capture : {&m_mainCapture, &m_popoverCapture, &m_panelCapture})
     capture->draftKeeper.flush();
   m_unsavedEdits.flush();
+  const QSignalBlocker noWindowIsTold(&m_settings);
+  m_settings.tryAgain();
 }
 
 void NotletMacApp::closeMainWindow() {

@@ -14,7 +14,8 @@ namespace notlet {
 /// Small preferences kept between runs, by key.
 ///
 /// Reading gives nothing for a key that is absent or holds another kind of value. Writing takes effect at
-/// once for later reads, and in memory even when it fails to reach the disk.
+/// once for later reads, and in memory even when it fails to reach the disk; it then goes there with the next
+/// write, also with one that changes nothing.
 class Defaults {
  public:
   virtual ~Defaults() = default;

@@ -1,5 +1,6 @@
 #include "themes/AppSettings.h"
 
+#include <QSignalBlocker>
 #include <algorithm>
 
 #include "themes/AppThemeCatalog.h"
@@ -13,7 +14,7 @@ constexpr std::string_view firstTheme = "midnight-mono";
 constexpr std::string_view fallbackTheme = "system";
 constexpr std::int64_t currentVersion = 1;
 
-/// A theme that cannot be kept stays in force for this run; the next change tries again.
+/// Nobody's work is lost: what was read or found at the start goes with the first change.
 void ignoreFailure(const Result<void>& written) {
   static_cast<void>(written);
 }
@@ -39,7 +40,12 @@ AppSettings::AppSettings(Defaults& defaults, QObject* parent)
     : QObject(parent), m_defaults(defaults), m_selectedThemeID(selectionAtStart(defaults)) {
   readCustomThemes();
   ignoreFailure(m_defaults.setInteger(versionKey, currentVersion));
-  persistSelection();
+  ignoreFailure(m_defaults.setString(selectedThemeKey, m_selectedThemeID));
+}
+
+AppSettings::~AppSettings() {
+  const QSignalBlocker nobodyListens(this);
+  tryAgain();
 }
 
 const AppTheme& AppSettings::theme() const {
@@ -102,13 +108,33 @@ void AppSettings::readCustomThemes() {
 }
 
 void AppSettings::persistSelection() {
-  ignoreFailure(m_defaults.setString(selectedThemeKey, m_selectedThemeID));
+  noteWritten(m_defaults.setString(selectedThemeKey, m_selectedThemeID));
 }
 
 void AppSettings::persistCustomThemes() {
   keepUnreadableThemes();
   const std::string json = ThemeConfigurationDocument{m_customThemes}.compactJson();
-  ignoreFailure(m_defaults.setBinary(customThemesKey, json));
+  noteWritten(m_defaults.setBinary(customThemesKey, json));
+}
+
+void AppSettings::noteWritten(const Result<void>& written) {
+  m_isWritten = written.has_value();
+  setWarning(m_isWritten ? std::string()
+                         : "Your themes are not stored yet. " + written.error().message +
+                               " Notlet tries again when you come back to it and when it ends.");
+}
+
+void AppSettings::setWarning(std::string warning) {
+  if (m_warning == warning)
+    return;
+  m_warning = std::move(warning);
+  Q_EMIT warningChanged();
+}
+
+// The whole suite goes with any value of it.
+void AppSettings::tryAgain() {
+  if (!m_isWritten && m_defaults.setString(selectedThemeKey, m_selectedThemeID))
+    noteWritten({});
 }
 
 // Themes that this version cannot read may be readable to a later one, or to their owner.

@@ -11,7 +11,8 @@ namespace notlet {
 
 /// The selected theme and the user's own themes, kept in the defaults at every change.
 ///
-/// A change that cannot be written stays in force until the program ends.
+/// A change that cannot be written stays in force, is told by `warning()` and goes to the disk with the next
+/// one that can, or at the end.
 class AppSettings : public QObject {
   Q_OBJECT
 
@@ -23,6 +24,7 @@ class AppSettings : public QObject {
 
   /// The defaults must outlive this object.
   explicit AppSettings(Defaults& defaults, QObject* parent = nullptr);
+  ~AppSettings() override;
 
   /// The theme in force: the first custom theme with the selected identifier, else the built-in one, else
   /// "system".
@@ -41,11 +43,19 @@ class AppSettings : public QObject {
   /// identifier. The selection stays.
   void importCustomThemes(const std::vector<AppTheme>& themes);
 
+  /// Why the last change is not on disk, in whole sentences (UTF-8); empty when it is, or the user has read
+  /// it.
+  [[nodiscard]] const std::string& warning() const { return m_warning; }
+  void dismissWarning() { setWarning({}); }
+  /// Writes what could not be written before.
+  void tryAgain();
+
  Q_SIGNALS:
   /// The selection or the list of custom themes differs from before.
   void changed();
   /// The theme in force differs from before. Comes before changed().
   void themeChanged();
+  void warningChanged();
 
  private:
   struct Before;
@@ -54,6 +64,8 @@ class AppSettings : public QObject {
   void persistSelection();
   void persistCustomThemes();
   void keepUnreadableThemes();
+  void noteWritten(const Result<void>& written);
+  void setWarning(std::string warning);
   void addOrReplace(const AppTheme& theme);
   [[nodiscard]] Before before() const;
   void announce(const Before& old);
@@ -63,6 +75,8 @@ class AppSettings : public QObject {
   std::vector<AppTheme> m_customThemes;
   /// Stored bytes that are no list of themes, not yet kept elsewhere.
   std::string m_unreadableThemes;
+  bool m_isWritten = true;
+  std::string m_warning;
 };
 
 } // namespace notlet

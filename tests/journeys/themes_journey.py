@@ -242,6 +242,21 @@ class ThemesJourney(Journey):
         self.row("Theme 999, Dark, Selected")
         self.await_ground(MAIN, "102030")
 
+    def test_what_the_disk_does_not_take_is_told_and_stored_at_the_end(self):
+        self.open_themes()
+        state = self.desktop.place("state", "notlet")
+        os.rename(state, state + "-away")
+        with open(state, "w"):
+            pass
+        self.import_file([theme("a", "Mine")])
+        await_value(lambda: any("not stored yet" in label.get_name()
+                                for label in self.desktop.controls("label", within=MAIN)), "the notice")
+        os.remove(state)
+        os.rename(state + "-away", state)
+        self.assertEqual(self.own_themes(), [])
+        self.assertEqual(self.desktop.end(self.program), 0)
+        self.await_own("Mine")
+
     def test_a_place_that_cannot_be_written_is_named(self):
         self.open_themes()
         self.import_file([theme("a", "Mine")])

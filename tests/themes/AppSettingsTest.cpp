@@ -1,10 +1,12 @@
 #include "themes/AppSettings.h"
 
 #include <QSignalSpy>
+#include <fstream>
 #include <gmock/gmock.h>
 
 #include "support/CustomTheme.h"
 #include "support/MemoryDefaults.h"
+#include "support/TemporaryDirectory.h"
 #include "themes/AppThemeCatalog.h"
 #include "themes/ThemeConfigurationDocument.h"
 
@@ -12,6 +14,7 @@ namespace notlet {
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::MatchesRegex;
 using testing::SizeIs;
@@ -178,11 +181,34 @@ TEST_F(AppSettingsTest, ThemesThatCannotBeReadAreKeptElsewhereBeforeTheyAreOverw
   EXPECT_EQ(defaults.binary("customThemes.unreadable-2"), "again");
 }
 
-TEST_F(AppSettingsTest, AChangeThatCannotBeWrittenStaysInForce) {
-  AppSettings settings(defaults);
-  defaults.failsToWrite = true;
-  settings.saveCustomTheme(customTheme("custom-A"));
-  EXPECT_EQ(settings.theme(), customTheme("custom-A"));
+TEST_F(AppSettingsTest, AChangeThatCannotBeWrittenIsToldAndTriedAgain) {
+  for (const bool triesBeforeTheEnd : {true, false}) {
+    const TemporaryDirectory directory;
+    const std::filesystem::path folder = directory.path() / "state";
+    std::ofstream(folder) << "a file where the folder should be";
+    JsonFileDefaults disk(folder / "defaults.json");
+    {
+      AppSettings settings(disk);
+      EXPECT_EQ(settings.warning(), "") << "nobody has changed anything";
+      settings.saveCustomTheme(customTheme("custom-A"));
+      EXPECT_EQ(settings.theme(), customTheme("custom-A"));
+      EXPECT_THAT(settings.warning(), HasSubstr(folder.string()));
+      settings.dismissWarning();
+      settings.tryAgain();
+      EXPECT_EQ(settings.warning(), "") << "told twice";
+      settings.setSelectedThemeID("ink");
+      EXPECT_NE(settings.warning(), "");
+      std::filesystem::remove(folder);
+      if (triesBeforeTheEnd) {
+        settings.tryAgain();
+        EXPECT_EQ(settings.warning(), "");
+      }
+    }
+    JsonFileDefaults next(folder / "defaults.json");
+    const AppSettings settings(next);
+    EXPECT_EQ(settings.selectedThemeID(), "ink");
+    EXPECT_THAT(ids(settings), ElementsAre("custom-A"));
+  }
 }
 
 } // namespace

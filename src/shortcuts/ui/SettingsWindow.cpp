@@ -3,6 +3,7 @@
 #include <QCloseEvent>
 #include <QVBoxLayout>
 
+#include "widgets/NoticeBar.h"
 #include "widgets/ScreenRoom.h"
 #include "widgets/TextConversion.h"
 
@@ -17,7 +18,10 @@ constexpr QSize smallestSize{360, 420};
 
 SettingsWindow::SettingsWindow(AppSettings& themes, SettingsScreen& screen, ShortcutSettingsDraft& draft,
                                QWidget* content)
-    : m_screen(screen), m_draft(draft), m_container(new AppThemeContainer(themes, content)) {
+    : m_themes(themes),
+      m_screen(screen),
+      m_draft(draft),
+      m_container(new AppThemeContainer(themes, framed(content))) {
   setWindowTitle(QStringLiteral("Notlet Settings"));
   setMinimumSize(smallestSize.boundedTo(roomOnScreen(*this)));
   resize(usualSize.boundedTo(roomOnScreen(*this)));
@@ -26,6 +30,22 @@ SettingsWindow::SettingsWindow(AppSettings& themes, SettingsScreen& screen, Shor
   layout->addWidget(m_container);
   connect(&m_screen, &SettingsScreen::changed, this, &SettingsWindow::render);
   connect(&m_draft, &ShortcutSettingsDraft::changed, this, &SettingsWindow::renderMessage);
+}
+
+/// The content below the notice that themes are not stored.
+QWidget* SettingsWindow::framed(QWidget* content) {
+  auto* notice = new NoticeBar;
+  auto* frame = new QWidget;
+  auto* rows = new QVBoxLayout(frame);
+  rows->setContentsMargins({});
+  rows->setSpacing(0);
+  rows->addWidget(notice);
+  rows->addWidget(content, 1);
+  const auto show = [this, notice] { notice->setText(fromUtf8(m_themes.warning())); };
+  connect(&m_themes, &AppSettings::warningChanged, notice, show);
+  connect(notice, &NoticeBar::dismissed, &m_themes, &AppSettings::dismissWarning);
+  show();
+  return frame;
 }
 
 void SettingsWindow::reveal() {

@@ -29,7 +29,9 @@ class SettingsWindow : public QWidget {
   void render();
   void renderMessage();
   void renderQuestion();
+  [[nodiscard]] QWidget* framed(QWidget* content);
 
+  AppSettings& m_themes;
   SettingsScreen& m_screen;
   ShortcutSettingsDraft& m_draft;
   AppThemeContainer* m_container;

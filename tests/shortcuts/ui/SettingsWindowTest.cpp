@@ -184,6 +184,16 @@ TEST_F(SettingsWindowTest, ClosingTheWindowWithUnsavedKeysAsks) {
   EXPECT_FALSE(window.isVisible());
 }
 
+TEST_F(SettingsWindowTest, TellsOfThemesThatAreNotStoredUntilTheyAre) {
+  defaults.failsToWrite = true;
+  themes.setSelectedThemeID("ink");
+  const auto* notice = named<QLabel>(fromUtf8(themes.warning()));
+  EXPECT_TRUE(notice->isVisible());
+  defaults.failsToWrite = false;
+  themes.tryAgain();
+  EXPECT_FALSE(notice->isVisible());
+}
+
 TEST_F(SettingsWindowTest, TheDesktopIsDescribedAsItIsNow) {
   capabilities = {StatusItemRoute::xembed, HotKeyRoute::x11, true, true, true, true};
   click("Themes");
