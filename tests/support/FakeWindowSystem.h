@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QRegion>
 #include <QWidget>
 #include <map>
 #include <vector>
@@ -12,6 +13,10 @@ namespace notlet {
 class FakeWindowSystem final : public WindowSystem {
  public:
   [[nodiscard]] bool hasCompositor() const override { return m_hasCompositor; }
+  [[nodiscard]] bool takesShadows() const override { return wantsShadows && m_hasCompositor; }
+  void setShadow(WindowID /*window*/, const QMargins& shadow, const QRegion& body) override {
+    shadowAndBody = {shadow, body};
+  }
   void activate(WindowID window) override {
     activated.push_back(window);
     if (QWidget* widget = QWidget::find(window))
@@ -42,6 +47,9 @@ class FakeWindowSystem final : public WindowSystem {
   std::vector<WindowID> activated;
   std::vector<Placed> onAllWorkspaces;
   std::map<WindowID, FrameTone> frameTones;
+  bool wantsShadows = false;
+  /// Of the window that was told of last.
+  std::pair<QMargins, QRegion> shadowAndBody;
   bool isMouseWatched = false;
   std::string activationToken;
 

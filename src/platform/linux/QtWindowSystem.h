@@ -18,9 +18,11 @@ class QtWindowSystem final : public WindowSystem {
   QtWindowSystem();
 
   [[nodiscard]] bool hasCompositor() const override { return true; }
+  [[nodiscard]] bool takesShadows() const override { return false; }
   void activate(WindowID id) override;
   void noteActivationToken(const std::string& token) override;
   void putOnAllWorkspaces(WindowID /*window*/) override {}
+  void setShadow(WindowID /*window*/, const QMargins& /*shadow*/, const QRegion& /*body*/) override {}
   void setFrameTone(WindowID /*window*/, FrameTone /*tone*/) override {}
   void watchMouse(bool /*watched*/) override {}
 

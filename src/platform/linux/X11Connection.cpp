@@ -1,5 +1,8 @@
 #include "platform/linux/X11Connection.h"
 
+#include <xcb/shape.h>
+#include <xcb/xfixes.h>
+
 #include <QGuiApplication>
 #include <algorithm>
 
@@ -87,6 +90,15 @@ void X11Connection::setText(xcb_window_t window, xcb_atom_t name, xcb_atom_t typ
   else
     xcb_change_property(handle, XCB_PROP_MODE_REPLACE, window, name, type, 8,
                         static_cast<std::uint32_t>(text.size()), text.data());
+}
+
+void X11Connection::setInputShape(xcb_window_t window, std::span<const xcb_rectangle_t> parts) const {
+  const xcb_xfixes_region_t region = parts.empty() ? XCB_NONE : xcb_generate_id(handle);
+  if (region != XCB_NONE)
+    xcb_xfixes_create_region(handle, region, static_cast<std::uint32_t>(parts.size()), parts.data());
+  xcb_xfixes_set_window_shape_region(handle, window, XCB_SHAPE_SK_INPUT, 0, 0, region);
+  if (region != XCB_NONE)
+    xcb_xfixes_destroy_region(handle, region);
 }
 
 void X11Connection::sendToWindowManager(xcb_window_t window, xcb_atom_t request,

@@ -57,6 +57,8 @@ struct X11Connection {
                    std::span<const std::uint32_t> values) const;
   /// An empty text takes the property away.
   void setText(xcb_window_t window, xcb_atom_t name, xcb_atom_t type, std::string_view text) const;
+  /// Has the mouse meet the window in these parts only; without any in all of it.
+  void setInputShape(xcb_window_t window, std::span<const xcb_rectangle_t> parts) const;
   /// Asks the window manager something about a window.
   void sendToWindowManager(xcb_window_t window, xcb_atom_t request,
                            const std::array<std::uint32_t, 5>& values) const;

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QRegion>
 #include <QStandardPaths>
 #include <QWidget>
 #include <QWindow>
@@ -65,10 +66,12 @@ X11WindowSystem::Atoms X11WindowSystem::atomsOf(const X11Connection& connection)
   constexpr auto names = std::to_array<std::string_view>(
       {"_NET_ACTIVE_WINDOW", "_NET_WM_DESKTOP", "_NET_WM_STATE", "_NET_WM_STATE_STICKY",
        "_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_STATE_ABOVE", "_NET_SUPPORTED",
-       "_NOTLET_ASKED_FOR_TIME", "_GTK_THEME_VARIANT", "_KDE_NET_WM_COLOR_SCHEME", "UTF8_STRING"});
+       "_NOTLET_ASKED_FOR_TIME", "_GTK_FRAME_EXTENTS", "_GTK_THEME_VARIANT", "_KDE_NET_WM_COLOR_SCHEME",
+       "UTF8_STRING"});
   const auto atoms = connection.atoms(names);
-  return {atoms[0], atoms[1],  atoms[2], {atoms[3], atoms[4], atoms[5]}, atoms[6], atoms[7], atoms[8],
-          atoms[9], atoms[10], atoms[11]};
+  return {atoms[0],  atoms[1],  atoms[2], {atoms[3], atoms[4], atoms[5]},
+          atoms[6],  atoms[7],  atoms[8], atoms[9],
+          atoms[10], atoms[11], atoms[12]};
 }
 
 bool X11WindowSystem::hasCompositor() const {
@@ -204,6 +207,28 @@ void X11WindowSystem::windowShown(xcb_window_t shown) const {
                                    {addState, skipTaskbar, skipPager, sourceIsApplication, 0});
   m_connection.sendToWindowManager(shown, m_atoms.state,
                                    {addState, m_atoms.above, sticky, sourceIsApplication, 0});
+  xcb_flush(m_connection.handle);
+}
+
+// Window managers that do not know the hint see a window that is a little larger.
+void X11WindowSystem::setShadow(WindowID id, const QMargins& shadow, const QRegion& body) {
+  const QWindow* window = qtWindow(id);
+  if (window == nullptr)
+    return;
+  const double ratio = window->devicePixelRatio();
+  const QMargins edges = (QMarginsF(shadow) * ratio).toMargins();
+  m_connection.setProperty(
+      XCB_PROP_MODE_REPLACE, nativeWindow(id), m_atoms.frameExtents, XCB_ATOM_CARDINAL,
+      std::to_array({static_cast<std::uint32_t>(edges.left()), static_cast<std::uint32_t>(edges.right()),
+                     static_cast<std::uint32_t>(edges.top()), static_cast<std::uint32_t>(edges.bottom())}));
+  std::vector<xcb_rectangle_t> rectangles;
+  for (const QRect& part : body) {
+    const QRect native(QPointF(part.topLeft() * ratio).toPoint(), QSizeF(part.size() * ratio).toSize());
+    rectangles.push_back({static_cast<std::int16_t>(native.x()), static_cast<std::int16_t>(native.y()),
+                          static_cast<std::uint16_t>(native.width()),
+                          static_cast<std::uint16_t>(native.height())});
+  }
+  m_connection.setInputShape(nativeWindow(id), rectangles);
   xcb_flush(m_connection.handle);
 }
 

@@ -29,12 +29,14 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
   ~X11WindowSystem() override;
 
   [[nodiscard]] bool hasCompositor() const override;
+  [[nodiscard]] bool takesShadows() const override { return hasCompositor(); }
   /// The window gets the keyboard after the window manager has agreed. When nobody noted what time the user
   /// acted at, it is now. Without a window manager the keyboard goes back to where it was when the window
   /// goes.
   void activate(WindowID id) override;
   void noteActivationToken(const std::string& token) override;
   void putOnAllWorkspaces(WindowID id) override;
+  void setShadow(WindowID id, const QMargins& shadow, const QRegion& body) override;
   void setFrameTone(WindowID id, FrameTone tone) override;
   void watchMouse(bool watched) override;
 
@@ -50,6 +52,7 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
     xcb_atom_t above;
     xcb_atom_t supported;
     xcb_atom_t askedForTime;
+    xcb_atom_t frameExtents;
     xcb_atom_t gtkVariant;
     xcb_atom_t kdeColors;
     xcb_atom_t utf8;

@@ -27,7 +27,7 @@ std::unique_ptr<RoundedWindow> FloatingPanelWindows::makeWindow(QWidget* content
   const QSize size = content->size();
   auto window = std::make_unique<RoundedWindow>(m_surroundings.settings, m_surroundings.windowSystem, content,
                                                 shape, flags);
-  window->setFixedSize(size);
+  window->setBodySize(size);
   return window;
 }
 
@@ -56,15 +56,15 @@ RoundedWindow* FloatingPanelWindows::otherWindow() const {
 
 void FloatingPanelWindows::setFrame(const QRectF& frame, bool animated) {
   RoundedWindow& changed = window(m_content);
-  changed.setGeometry(m_surroundings.screens.toQt(frame));
+  changed.moveBody(m_surroundings.screens.toQt(frame).topLeft());
   const RoundedWindow* replaced = otherWindow();
   if (animated && replaced && replaced->isVisible())
-    changed.openFrom(replaced->geometry());
+    changed.openFrom(replaced->body());
 }
 
 QRectF FloatingPanelWindows::frame() const {
   const auto& current = m_content == Content::bubble ? m_bubble : m_capture;
-  return current ? m_surroundings.screens.fromQt(current->geometry()) : QRectF();
+  return current ? m_surroundings.screens.fromQt(current->body()) : QRectF();
 }
 
 void FloatingPanelWindows::orderFront() {

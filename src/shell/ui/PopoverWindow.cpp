@@ -27,12 +27,12 @@ PopoverWindow::PopoverWindow(AppSettings& settings, WindowSystem& windowSystem, 
 
 void PopoverWindow::fit() {
   limitTo(*m_content);
-  setFixedSize(sizeFor(*m_content));
+  setBodySize(sizeFor(*m_content));
 }
 
 void PopoverWindow::standAt(const QPoint& position, const QRect& anchor) {
   m_anchor = anchor;
-  move(position);
+  moveBody(position);
 }
 
 void PopoverWindow::open() {
@@ -68,7 +68,7 @@ bool PopoverWindow::event(QEvent* event) {
 }
 
 void PopoverWindow::handlePress(const QPoint& position) {
-  if (!frameGeometry().contains(position) && !m_anchor.contains(position) && !hasWindowOfItsOwn())
+  if (!body().contains(position) && !m_anchor.contains(position) && !hasWindowOfItsOwn())
     closeBecause(CloseReason::pressedElsewhere);
 }
 

@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "shell/ui/WindowShadow.h"
 #include "widgets/Motion.h"
 
 namespace notlet {
@@ -55,6 +56,7 @@ RoundedWindow::RoundedWindow(AppSettings& settings, WindowSystem& windowSystem, 
   // The window paints the ground in its own shape.
   m_container->setAutoFillBackground(false);
   m_container->installEventFilter(this);
+  fitShadow();
   connect(&m_windowSystem, &WindowSystem::compositorChanged, this, &RoundedWindow::followCompositor);
 
   m_opening.setStartValue(0.0);
@@ -69,6 +71,20 @@ void RoundedWindow::limitTo(const QWidget& content) {
   m_container->setMaximumSize(content.maximumSize());
 }
 
+void RoundedWindow::setBodySize(const QSize& size) {
+  m_bodySize = size;
+  setFixedSize(size.grownBy(layout()->contentsMargins()));
+}
+
+QRect RoundedWindow::body() const {
+  return geometry() - layout()->contentsMargins();
+}
+
+void RoundedWindow::moveBody(const QPoint& upperLeft) {
+  const QMargins shadow = layout()->contentsMargins();
+  move(upperLeft - QPoint(shadow.left(), shadow.top()));
+}
+
 void RoundedWindow::prepare() {
   ensurePolished();
   adjustSize();
@@ -80,9 +96,10 @@ void RoundedWindow::prepare() {
 
 // Where the layout puts the content: some window managers make small windows larger than they want to be.
 QRect RoundedWindow::area() const {
-  QRect area({}, m_container->maximumSize().boundedTo(size()));
-  area.moveTop((height() - area.height()) / 2);
-  return QStyle::visualRect(layoutDirection(), rect(), area);
+  const QRect room = rect() - layout()->contentsMargins();
+  QRect area(room.topLeft(), m_container->maximumSize().boundedTo(room.size()));
+  area.moveTop(room.top() + (room.height() - area.height()) / 2);
+  return QStyle::visualRect(layoutDirection(), room, area);
 }
 
 void RoundedWindow::openFrom(const QRect& place) {
@@ -96,7 +113,7 @@ void RoundedWindow::openFrom(const QRect& place) {
 }
 
 void RoundedWindow::applyOpening(double progress) {
-  const QRectF opened = between(m_openingStart, area(), progress);
+  const QRectF opened = between(m_openingStart, hasShadow() ? rect() : area(), progress);
   const double radius = std::min({m_shape.radius, opened.width() / 2, opened.height() / 2});
   setMask(maskOf(size(), opened, radius));
 }
@@ -105,8 +122,25 @@ bool RoundedWindow::hasSmoothEdges() const {
   return m_windowSystem.hasCompositor() && testAttribute(Qt::WA_TranslucentBackground);
 }
 
+bool RoundedWindow::hasShadow() const {
+  return hasSmoothEdges() && m_windowSystem.takesShadows();
+}
+
+void RoundedWindow::fitShadow() {
+  const QMargins shadow = hasShadow() ? WindowShadow::room : QMargins();
+  if (shadow == layout()->contentsMargins())
+    return;
+  const QPoint upperLeft = body().topLeft();
+  layout()->setContentsMargins(shadow);
+  if (m_bodySize.isNull())
+    return;
+  setBodySize(m_bodySize);
+  moveBody(upperLeft);
+}
+
 void RoundedWindow::followCompositor() {
   fitSurface();
+  fitShadow();
   applyShape();
 }
 
@@ -126,11 +160,23 @@ void RoundedWindow::applyShape() {
   if (m_opening.state() == QAbstractAnimation::Running)
     return;
   const double inset = m_shape.inset;
-  if (hasSmoothEdges())
+  const QBitmap body = maskOf(size(), QRectF(area()).adjusted(inset, inset, -inset, -inset), m_shape.radius);
+  if (hasShadow())
+    clearMask();
+  else if (hasSmoothEdges())
     setMask(maskOf(size(), area(), std::max(0.0, m_shape.radius - roomForSmoothEdges)));
   else
-    setMask(maskOf(size(), QRectF(area()).adjusted(inset, inset, -inset, -inset), m_shape.radius));
+    setMask(body);
+  if (internalWinId() != 0)
+    m_windowSystem.setShadow(internalWinId(), layout()->contentsMargins(), hasShadow() ? body : QRegion());
   update();
+}
+
+bool RoundedWindow::event(QEvent* event) {
+  // The desktop's window is made anew, and knows nothing.
+  if (event->type() == QEvent::WinIdChange)
+    applyShape();
+  return QWidget::event(event);
 }
 
 bool RoundedWindow::eventFilter(QObject* watched, QEvent* event) {
@@ -167,12 +213,24 @@ void RoundedWindow::paintEvent(QPaintEvent*) {
   const bool isCutOut = !hasSmoothEdges();
   if (isCutOut)
     painter.fillRect(rect(), colors.color(m_shape.ground));
+  if (hasShadow())
+    paintShadow(painter);
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(QPen(colors.color(ThemeRole::outline), lineWidth));
   painter.setBrush(isCutOut ? QBrush() : colors.brush(m_shape.ground));
   const double inset = m_shape.inset + lineWidth / 2;
   const double radius = m_shape.radius - lineWidth / 2;
   painter.drawRoundedRect(QRectF(area()).adjusted(inset, inset, -inset, -inset), radius, radius);
+}
+
+void RoundedWindow::paintShadow(QPainter& painter) {
+  const double ratio = devicePixelRatioF();
+  if (m_shadow.size() != (QSizeF(size()) * ratio).toSize()) {
+    const double inset = m_shape.inset;
+    m_shadow = WindowShadow::picture(size(), QRectF(area()).adjusted(inset, inset, -inset, -inset),
+                                     m_shape.radius, ratio);
+  }
+  painter.drawPixmap(0, 0, m_shadow);
 }
 
 } // namespace notlet

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPixmap>
 #include <QVariantAnimation>
 #include <QWidget>
 
@@ -16,6 +17,9 @@ namespace notlet {
 /// With a compositor the window is translucent and its edges are smooth; without one it is cut out of an
 /// opaque rectangle, which is painted sooner. It follows a compositor that comes or goes: at once if it stays
 /// up, else when it is next hidden.
+///
+/// The body is the window without the shadow that it has around it on some desktops. Places and sizes are the
+/// body's, and it stays where it is when the shadow comes or goes.
 class RoundedWindow : public QWidget {
   Q_OBJECT
 
@@ -34,6 +38,12 @@ class RoundedWindow : public QWidget {
   RoundedWindow(AppSettings& settings, WindowSystem& windowSystem, QWidget* content, const Shape& shape,
                 Qt::WindowFlags flags = {});
 
+  /// Gives the body this size for good.
+  void setBodySize(const QSize& size);
+  /// In Qt's screen coordinates.
+  [[nodiscard]] QRect body() const;
+  void moveBody(const QPoint& upperLeft);
+
   /// Makes everything that the first showing needs, which then takes no longer than the others.
   void prepare();
   /// Opens the window's shape from the one that stood in this place on the screen to its own; the window
@@ -51,14 +61,18 @@ class RoundedWindow : public QWidget {
   void limitTo(const QWidget& content);
   [[nodiscard]] WindowSystem& windowSystem() const { return m_windowSystem; }
 
+  bool event(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void hideEvent(QHideEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 
  private:
-  /// The part of the window that is to be seen.
+  /// The part of the window that is to be seen, without the shadow.
   [[nodiscard]] QRect area() const;
+  [[nodiscard]] bool hasShadow() const;
+  void fitShadow();
+  void paintShadow(QPainter& painter);
   /// Whether the window's edges are drawn rather than cut.
   [[nodiscard]] bool hasSmoothEdges() const;
   void followCompositor();
@@ -70,6 +84,10 @@ class RoundedWindow : public QWidget {
   WindowSystem& m_windowSystem;
   AppThemeContainer* m_container;
   Shape m_shape;
+  /// Null unless it is to be kept.
+  QSize m_bodySize;
+  /// As last painted.
+  QPixmap m_shadow;
   QVariantAnimation m_opening;
   /// In the window's coordinates.
   QRect m_openingStart;

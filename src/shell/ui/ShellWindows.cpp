@@ -19,7 +19,7 @@ void ShellWindows::showPopover(bool itemWasClicked) {
 }
 
 void ShellWindows::placePopover() {
-  const QRect frame = popoverFrame(m_popover->size(), m_anchor, placementScreens());
+  const QRect frame = popoverFrame(m_popover->body().size(), m_anchor, placementScreens());
   m_popover->standAt(frame.topLeft(), m_anchor.statusItem.value_or(QRect()));
 }
 

@@ -175,6 +175,21 @@ TEST_F(X11WindowSystemTest, HearsOfPressesInOtherProgramsWhileAsked) {
   EXPECT_EQ(presses.count(), 2);
 }
 
+TEST_F(X11WindowSystemTest, TheShadowOfAWindowLeavesTheMouseToWhatIsBelow) {
+  otherWindow = other.showWindow(500, 200, 400, 300);
+  window.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+  system->setShadow(window.winId(), {8, 8, 8, 8}, QRect(8, 8, 184, 84));
+  ASSERT_TRUE(marker.catchUp());
+  EXPECT_EQ(other.property(native(window), "_GTK_FRAME_EXTENTS"), (std::vector<std::uint32_t>{8, 8, 8, 8}));
+  const QPoint corner = window.mapToGlobal(QPoint());
+  for (const auto& [inset, isShadow] : {std::pair(4, true), std::pair(12, false)}) {
+    other.click(static_cast<std::int16_t>(corner.x() + inset), static_cast<std::int16_t>(corner.y() + inset));
+    ASSERT_TRUE(marker.catchUp());
+    EXPECT_EQ(other.tookButtonPress(), isShadow) << inset;
+  }
+}
+
 TEST_F(X11WindowSystemTest, KnowsWhatTheWindowManagerCanDo) {
   DesktopCapabilities expected;
   expected.placesWindows = true;

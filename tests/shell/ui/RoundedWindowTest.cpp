@@ -92,6 +92,30 @@ TEST_F(RoundedWindowTest, OneThatStaysUpIsSmoothAsSoonAsThereIsACompositor) {
   EXPECT_TRUE(bubble.windowHandle()->requestedFormat().hasAlpha());
 }
 
+// The body is what everybody else means by the window.
+TEST_F(RoundedWindowTest, AShadowComesAndGoesAroundABodyThatStays) {
+  windowSystem.wantsShadows = true;
+  RoundedWindow shaded(settings, windowSystem, new QWidget, {});
+  shaded.setBodySize({380, 260});
+  shaded.moveBody({100, 100});
+  shaded.show();
+  for (const bool compositor : {true, false, true}) {
+    windowSystem.setCompositor(compositor);
+    EXPECT_EQ(shaded.body(), QRect(100, 100, 380, 260));
+    const QPoint corner = QPoint(100, 100) - shaded.pos();
+    const auto& [shadow, body] = windowSystem.shadowAndBody;
+    EXPECT_EQ(shadow.isNull(), !compositor);
+    EXPECT_EQ(body.contains(corner + QPoint(190, 259)), compositor);
+    EXPECT_FALSE(body.contains(corner + QPoint(190, 260)) || body.contains(corner + QPoint(2, 2)));
+    QImage image(shaded.size(), QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    shaded.render(&image, {}, {}, QWidget::DrawChildren);
+    const auto opacity = [&](int y) { return image.pixelColor(corner + QPoint(190, y)).alpha(); };
+    EXPECT_EQ(opacity(259), 255);
+    EXPECT_TRUE(!compositor || (opacity(261) > opacity(265) && opacity(265) > 0)) << "it fades out";
+  }
+}
+
 TEST_F(RoundedWindowTest, PaintsTheThemesGroundInItsShapeOnly) {
   window.show();
   for (const char* id : {"dracula", "paper"}) {
