@@ -68,6 +68,8 @@ void NotletMacAppDelegate::configureGlobalQuickNotletHotKey() {
           [this] { postNextTurn(CommandName::openGlobalMacQuickNotlet); });
   connect(&hotKey, &GlobalHotKey::failed, this, &NotletMacAppDelegate::reportHotKey);
   connect(&hotKey, &GlobalHotKey::installed, this, &NotletMacAppDelegate::hotKeyInstalled);
+  connect(&m_surroundings.shortcutSettings, &MacShortcutSettings::changed, this,
+          &NotletMacAppDelegate::followMessages);
   m_hasHotKey = true;
   hotKey.install();
 }
@@ -83,6 +85,18 @@ void NotletMacAppDelegate::hotKeyInstalled() {
   const auto told = std::exchange(m_hotKeyMessage, std::nullopt);
   if (told && m_surroundings.shortcutSettings.errorMessage() == told)
     m_surroundings.shortcutSettings.setErrorMessage(std::nullopt);
+}
+
+// Another message may have come before this one was read; its turn comes once that is gone.
+void NotletMacAppDelegate::followMessages() {
+  MacShortcutSettings& settings = m_surroundings.shortcutSettings;
+  const auto before = std::exchange(m_toldMessage, settings.errorMessage());
+  if (m_toldMessage || before == m_toldMessage)
+    return;
+  if (before == m_hotKeyMessage)
+    m_hotKeyMessage.reset();
+  else if (m_hotKeyMessage)
+    settings.setErrorMessage(m_hotKeyMessage);
 }
 
 void NotletMacAppDelegate::observeCommands() {
@@ -101,11 +115,12 @@ void NotletMacAppDelegate::observeCommands() {
 void NotletMacAppDelegate::applicationDidBecomeActive() {
   m_surroundings.hotKey.retry();
   MacShortcutSettings& settings = m_surroundings.shortcutSettings;
-  const bool tellsOfHotKey = m_hotKeyMessage && settings.errorMessage() == m_hotKeyMessage;
+  const auto unread = m_hotKeyMessage;
   settings.reload();
   // A file without faults mends no hot key, and the message comes before the user has seen a window.
-  if (tellsOfHotKey && !settings.errorMessage())
-    settings.setErrorMessage(m_hotKeyMessage);
+  m_hotKeyMessage = unread;
+  if (unread && !settings.errorMessage())
+    settings.setErrorMessage(unread);
 }
 
 void NotletMacAppDelegate::applicationWillTerminate() {

@@ -75,6 +75,7 @@ class NotletMacAppDelegate : public QObject {
   void observeCommands();
   void reportHotKey(GlobalHotKey::Failure failure);
   void hotKeyInstalled();
+  void followMessages();
 
   void statusItemClicked();
   void togglePopover();
@@ -97,8 +98,10 @@ class NotletMacAppDelegate : public QObject {
   bool m_clickOpens = false;
   /// It was asked for and not refused.
   bool m_hasHotKey = false;
-  /// Why there is no hot key.
+  /// Why there is no hot key, until the user has read it.
   std::optional<std::string> m_hotKeyMessage;
+  /// What the shortcuts' one place for messages said last.
+  std::optional<std::string> m_toldMessage;
 };
 
 } // namespace notlet

@@ -1,6 +1,6 @@
 #include "shell/NotletMacAppDelegate.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <QCoreApplication>
 #include <QSignalSpy>
@@ -301,6 +301,18 @@ TEST_F(NotletMacAppDelegateTest, BecomingActiveReadsTheShortcutFile) {
   std::ofstream(directory.path() / "config.json", std::ios::trunc) << "no json";
   delegate->applicationDidBecomeActive();
   EXPECT_TRUE(fileSettings.errorMessage());
+}
+
+TEST_F(NotletMacAppDelegateTest, AFaultyShortcutFileCoversARefusedHotKeyUntilItIsRead) {
+  hotKey.refusal = GlobalHotKey::Failure::taken;
+  std::ofstream(directory.path() / "config.json", std::ios::trunc) << "no json";
+  launch();
+  delegate->applicationDidBecomeActive();
+  EXPECT_THAT(fileSettings.errorMessage(), testing::Optional(testing::HasSubstr("could not load")));
+  fileSettings.setErrorMessage(std::nullopt);
+  EXPECT_THAT(fileSettings.errorMessage(), testing::Optional(testing::HasSubstr("already registered")));
+  fileSettings.setErrorMessage(std::nullopt);
+  EXPECT_EQ(fileSettings.errorMessage(), std::nullopt);
 }
 
 TEST_F(NotletMacAppDelegateTest, TheWaysBackAreThoseThatWorkNow) {
