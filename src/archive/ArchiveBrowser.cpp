@@ -132,10 +132,6 @@ const std::vector<std::string>& ArchiveBrowser::visibleHashtags() const {
   return m_narrowedHashtags;
 }
 
-bool ArchiveBrowser::isTagSelected(const std::string& tag) const {
-  return m_state.selectedTags.contains(folded(tag));
-}
-
 const NotletEntry* ArchiveBrowser::selectedNotlet() const {
   return m_state.selectedID ? list().find(*m_state.selectedID) : nullptr;
 }

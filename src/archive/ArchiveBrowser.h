@@ -93,7 +93,6 @@ class ArchiveBrowser : public QObject {
   [[nodiscard]] const std::vector<std::string>& usedHashtags() const;
   /// Those that contain the hashtag search.
   [[nodiscard]] const std::vector<std::string>& visibleHashtags() const;
-  [[nodiscard]] bool isTagSelected(const std::string& tag) const;
   /// Also one that a filter hides; null when nothing is selected or the notlet is gone.
   [[nodiscard]] const NotletEntry* selectedNotlet() const;
   /// Hashtags that complete the one being typed at the end of the edited text, at most eight, without "#".

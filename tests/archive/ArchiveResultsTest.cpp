@@ -226,17 +226,6 @@ TEST_F(ArchiveResultsTest, TheNewestAreFoundFirstAndTheRestFollowsInOrder) {
   EXPECT_EQ(ends.count(), 1);
 }
 
-TEST_F(ArchiveResultsTest, ANewQueryDropsTheSearchUnderWay) {
-  fill(20'000);
-  narrow("note");
-  narrow("19999");
-  ASSERT_TRUE(settles());
-  ASSERT_EQ(results->size(), 1U);
-  EXPECT_EQ(results->at(0).content, "note 19999");
-  narrow("  ");
-  EXPECT_EQ(results->size(), 20'000U) << "a query of blanks is none";
-}
-
 TEST_F(ArchiveResultsTest, AChangeOutsideTheResultsIsNoNews) {
   fill(20);
   narrow("note 17");
@@ -247,37 +236,6 @@ TEST_F(ArchiveResultsTest, AChangeOutsideTheResultsIsNoNews) {
   context->remove(context->at(5).id);
   narrow("note 17");
   EXPECT_EQ(spy.count(), 0);
-}
-
-// The words of a query and the selected tags are held against the same hashtags, but a plain phrase against
-// the text alone.
-TEST_F(ArchiveResultsTest, TagsNarrowEveryKindOfQuery) {
-  fill(0);
-  const char* const texts[] = {"wow!!! #work", "wow!!!", "plan #Work #home",
-                               "plan #work",   "plan",   "the #work"};
-  for (const char* text : texts)
-    context->insert(makeNotlet(text, Timestamp(std::chrono::seconds(context->size()))).value());
-  const struct {
-    const char* query;
-    std::set<std::string> tags;
-    std::set<std::string> expected;
-  } cases[] = {
-      {"", {"work"}, {"wow!!! #work", "plan #Work #home", "plan #work", "the #work"}},
-      {"", {"work", "home"}, {"plan #Work #home"}},
-      {"!!!", {"work"}, {"wow!!! #work"}},
-      {"the", {"work"}, {"the #work"}},
-      {"plan", {"work"}, {"plan #Work #home", "plan #work"}},
-      {"#home plan", {"work"}, {"plan #Work #home"}},
-      {"plan", {"wor"}, {}},
-  };
-  for (const auto& [query, tags, expected] : cases) {
-    results->setFilter(ArchiveFilter::make(query, tags));
-    ASSERT_TRUE(settles());
-    std::set<std::string> found;
-    for (std::size_t position = 0; position < results->size(); ++position)
-      found.insert(results->at(position).content);
-    EXPECT_EQ(found, expected) << query;
-  }
 }
 
 } // namespace notlet

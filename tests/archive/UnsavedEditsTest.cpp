@@ -71,17 +71,6 @@ TEST_F(UnsavedEditsTest, NoEditIsLostHoweverTheEditorIsClosed) {
   EXPECT_EQ(fileCount(), 0U);
 }
 
-TEST_F(UnsavedEditsTest, IsOnDiskWithinASecondOfTheLastKey) {
-  const Uuid id = fill({"first"})[0];
-  edit(id, "first, changed");
-  scheduler.advance(std::chrono::milliseconds(999));
-  EXPECT_TRUE(sees([&] { return fileCount() == 1; }));
-  // A crash: nothing more is written by the old process.
-  const UnsavedEdits next(editFolder(), scheduler);
-  ASSERT_NE(next.find(id), nullptr);
-  EXPECT_EQ(*next.find(id), "first, changed");
-}
-
 TEST_F(UnsavedEditsTest, AnEditThatChangesNothingIsNotKept) {
   const Uuid id = fill({"first"})[0];
   for (const char* draft : {"first", "  first\n", "", " \n "}) {

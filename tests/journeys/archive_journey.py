@@ -118,19 +118,6 @@ class ArchiveJourney(Journey):
         await_value(lambda: self.stored()[1]["content"] == "Buy milk and j k e d #work", "the edit")
         self.assertIsNotNone(self.stored()[1]["updatedAt"])
 
-    def test_a_cancelled_edit_can_be_restored(self):
-        self.open_archive()
-        self.desktop.keys("j", "e")
-        self.desktop.control("text", "Edit notlet")
-        self.desktop.keys("ctrl+End")
-        self.desktop.type(" precious")
-        self.desktop.keys("Escape")
-        self.desktop.press(self.desktop.control("push button", "Restore unsaved edit"))
-        await_value(lambda: self.desktop.text(self.desktop.control("text", "Edit notlet")).endswith(" precious"),
-                    "the edit to come back")
-        self.desktop.keys("Return")
-        await_value(lambda: self.stored()[0]["content"].endswith(" precious"), "the edit to be stored")
-
     def test_deleting_asks_first(self):
         self.open_archive()
         self.desktop.keys("j", "d")

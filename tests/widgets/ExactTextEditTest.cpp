@@ -150,18 +150,6 @@ TEST(ExactTextEdit, ReturnAloneIsReportedAndEveryOtherReturnMakesALine) {
   }
 }
 
-TEST(ExactTextEdit, EveryReturnMakesALineWhereReturnIsNotReported) {
-  for (const auto modifiers : {Qt::NoModifier, Qt::KeypadModifier, Qt::ShiftModifier}) {
-    ExactTextEdit edit;
-    edit.setReportsReturn(false);
-    edit.setExactText(QStringLiteral("a"));
-    const QSignalSpy spy(&edit, &ExactTextEdit::returnPressed);
-    QTest::keyClick(&edit, Qt::Key_Return, modifiers);
-    EXPECT_EQ(spy.count(), 0);
-    EXPECT_EQ(edit.exactText(), QStringLiteral("a\n")) << modifiers;
-  }
-}
-
 TEST(ExactTextEdit, NoKeyChangesATextThatIsOnlyRead) {
   ExactTextEdit edit;
   edit.setExactText(longWord);

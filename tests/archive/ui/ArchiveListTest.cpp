@@ -432,6 +432,8 @@ TEST_F(ArchiveListTest, AssistiveTechnologyFindsRowsAndTheControlsOfTheActiveOne
   EXPECT_TRUE(accessible->child(0)->text(QAccessible::Name).startsWith(QStringLiteral("first\n")));
   QAccessibleInterface* active = accessible->child(1);
   EXPECT_TRUE(active->state().selected);
+  EXPECT_EQ(active->role(), QAccessible::ListItem);
+  EXPECT_EQ(active->parent(), accessible);
   std::map<QString, QAccessible::Role> controls;
   for (int part = 0; part < active->childCount(); ++part) {
     if (!active->child(part)->state().invisible)
