@@ -53,6 +53,7 @@ class DictationJourney(Journey):
         await_value(lambda: self.desktop.has_state(button, "FOCUSED"), "the alert to take keys")
         self.desktop.keys("Return")
         self.await_stopped()
+        await_value(lambda: self.desktop.has_state(self.editor(), "FOCUSED"), "the editor to take keys again")
 
     def test_words_appear_and_return_keeps_them(self):
         microphone = self.sound.plug_in()

@@ -177,7 +177,7 @@ bool KeyMonitor::keyAtWindow(const QWindow& window, QKeyEvent& event) {
   if (!isOverride && before && before->timestamp == seen.timestamp && before->key == seen.key)
     seen.consumed = before->consumed;
   else
-    seen.consumed = consumes(event, window.modality() == Qt::NonModal);
+    seen.consumed = consumes(event, window.modality() != Qt::NonModal);
   if (isOverride)
     m_override = seen;
   else
@@ -194,25 +194,26 @@ bool KeyMonitor::keyAtWidget(const QObject& receiver, const QKeyEvent& event) {
     return false;
   if (m_atWindow.event == &event && m_atWindow.timestamp == event.timestamp())
     return false;
-  return consumes(event, true);
+  return consumes(event, false);
 }
 
-/// `isFree` when no dialog stands before the window.
-bool KeyMonitor::consumes(const QKeyEvent& event, bool isFree) {
+bool KeyMonitor::consumes(const QKeyEvent& event, bool isBlocked) {
   std::optional<KeyPress> press = keyPressOf(event);
   if (!press)
     return false;
   press->isRepeat = isRepeat(event);
   if (std::optional<std::string> latin = m_latinKeys.charactersOf(event))
     press->latinCharacters = std::move(latin);
-  const bool isOffered = isFree && QApplication::activePopupWidget() == nullptr && !isComposing();
-  if (press->isRepeat) {
-    const bool isConsumedNow = isOffered && m_pressed.isOffered && m_handler(*press);
-    return isConsumedNow || m_pressed.isConsumed;
+  const bool isFree = !isBlocked && QApplication::activePopupWidget() == nullptr;
+  const bool isOffered = isFree && !isComposing();
+  if (!press->isRepeat) {
+    m_pressed = {placeOf(event), event.timestamp(), isFree, isOffered, false};
+    m_pressed.isConsumed = isOffered && m_handler(*press);
+    return m_pressed.isConsumed;
   }
-  m_pressed = {placeOf(event), event.timestamp(), isOffered, false};
-  m_pressed.isConsumed = isOffered && m_handler(*press);
-  return m_pressed.isConsumed;
+  const bool isForGoneDialog = isFree && !m_pressed.isFree;
+  const bool isConsumedNow = isOffered && m_pressed.isOffered && m_handler(*press);
+  return isForGoneDialog || isConsumedNow || m_pressed.isConsumed;
 }
 
 /// A held key comes as pairs of a release and a press at the same time, which Qt overlooks when it sees the

@@ -47,6 +47,8 @@ class KeyMonitor : public QObject {
   struct Pressed {
     quint32 place = 0;
     quint64 timestamp = 0;
+    /// No dialog and no menu had the keyboard.
+    bool isFree = false;
     bool isOffered = false;
     bool isConsumed = false;
   };
@@ -57,7 +59,7 @@ class KeyMonitor : public QObject {
 
   bool keyAtWindow(const QWindow& window, QKeyEvent& event);
   bool keyAtWidget(const QObject& receiver, const QKeyEvent& event);
-  [[nodiscard]] bool consumes(const QKeyEvent& event, bool isFree);
+  [[nodiscard]] bool consumes(const QKeyEvent& event, bool isBlocked);
   [[nodiscard]] bool isRepeat(const QKeyEvent& event) const;
   [[nodiscard]] bool isComposing() const;
 

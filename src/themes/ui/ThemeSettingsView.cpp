@@ -56,6 +56,7 @@ ThemeSettingsView::ThemeSettingsView(const ThemeBrowser::Surroundings& surroundi
       m_list(new ThemeList(m_browser)),
       m_nothingFound(
           makeLabel(tr("No theme matches your search."), TextStyle::body, ThemeRole::secondaryText)) {
+  setAccessibleName(tr("Themes"));
   m_nothingFound->setAlignment(Qt::AlignCenter);
   layOut();
   connectHandlers();
