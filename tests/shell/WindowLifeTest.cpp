@@ -7,13 +7,6 @@
 namespace notlet {
 namespace {
 
-TEST(WindowLifeTest, TheProgramLivesOnOnlyWhereItCanBeReached) {
-  EXPECT_FALSE(WindowLife::keepsRunning({}));
-  for (const WaysBack& way :
-       {WaysBack{.statusItem = true}, WaysBack{.bubble = true}, WaysBack{.hotKey = true}})
-    EXPECT_TRUE(WindowLife::keepsRunning(way));
-}
-
 TEST(WindowLifeTest, TheUserIsToldOnceAndOnlyOfWaysThatWork) {
   MemoryDefaults defaults;
   ASSERT_TRUE(WindowLife(defaults).mustExplain());
