@@ -9,6 +9,7 @@
 
 #include "cli/TimeText.h"
 #include "core/Text.h"
+#include "platform/JsonText.h"
 
 namespace notlet {
 namespace {
@@ -42,17 +43,6 @@ class TrackedIterator {
   const char* m_position;
   const char** m_reached;
 };
-
-/// "Line 3, column 7", counted in characters from 1.
-std::string placeOf(std::string_view text, std::size_t position) {
-  const std::string_view before = text.substr(0, std::min(position, text.size()));
-  const auto line = 1 + std::ranges::count(before, '\n');
-  const std::size_t lineStart = before.rfind('\n') + 1; // npos + 1 is 0
-  const auto column = 1 + std::ranges::count_if(before.substr(lineStart), [](char byte) {
-                        return (static_cast<unsigned char>(byte) & 0xc0) != 0x80;
-                      });
-  return "line " + std::to_string(line) + ", column " + std::to_string(column);
-}
 
 /// Receives the parts of the array one after the other; nothing is kept but the notlets.
 class Receiver : public json::json_sax_t {
@@ -122,12 +112,13 @@ class Receiver : public json::json_sax_t {
 
   bool parse_error(std::size_t position, const std::string&, const json::exception&) override {
     if (position > m_text.size())
-      complaint = "The text ends too early, at " + placeOf(m_text, m_text.size()) + ".";
+      complaint = "The text ends too early, at " + placeInText(m_text, m_text.size()) + ".";
     else if (static_cast<unsigned char>(m_text[std::max<std::size_t>(position, 1) - 1]) >= 0x80 &&
              !isValidUtf8(m_text))
-      complaint = "The text is not UTF-8 at " + placeOf(m_text, position - 1) + ".";
+      complaint = "The text is not UTF-8 at " + placeInText(m_text, position - 1) + ".";
     else
-      complaint = "The text is not JSON at " + placeOf(m_text, std::max<std::size_t>(position, 1) - 1) + ".";
+      complaint =
+          "The text is not JSON at " + placeInText(m_text, std::max<std::size_t>(position, 1) - 1) + ".";
     return false;
   }
 
@@ -147,7 +138,7 @@ class Receiver : public json::json_sax_t {
   bool complain(const std::string& what) {
     // The reader stands behind what it has read.
     const auto read = static_cast<std::size_t>(*m_reached - m_text.data());
-    complaint = what + ", at " + placeOf(m_text, std::max<std::size_t>(read, 1) - 1) + ".";
+    complaint = what + ", at " + placeInText(m_text, std::max<std::size_t>(read, 1) - 1) + ".";
     return false;
   }
 

@@ -72,7 +72,7 @@ Result<std::string> decodeText(const Json& value, std::string_view path) {
 Result<std::int64_t> decodeInteger(const Json& value, std::string_view path) {
   constexpr auto largest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
   if (!value.is_number_integer() || (value.is_number_unsigned() && value.get<std::uint64_t>() > largest))
-    return failure(quoted(path) + " must be a whole number of at most 64 bits.");
+    return failure(quoted(path) + " must be a whole number that is not too large.");
   return value.get<std::int64_t>();
 }
 
@@ -101,7 +101,7 @@ Result<Group> decodeGroup(const Json& object, const char* key,
   if (member == nullptr)
     return missing(key);
   if (!member->is_object())
-    return failure(quoted(key) + " must be an object.");
+    return failure(quoted(key) + " must be a group in braces, “{ }”.");
   Group group;
   for (const TextField<Group>& field : fields) {
     const std::string path = std::string(key) + "." + field.key;
@@ -148,7 +148,7 @@ Result<MacShortcutConfig> MacShortcutConfig::decode(std::string_view json) {
   if (!file)
     return std::unexpected(file.error());
   if (!file->is_object())
-    return failure("The file must hold one JSON object.");
+    return failure("The file must hold one group in braces, “{ }”.");
 
   MacShortcutConfig config;
   std::optional<Error> failed;

@@ -45,7 +45,7 @@ std::string themeNumber(std::size_t index) {
 
 Result<AppTheme> decodeTheme(const Json& object, std::size_t index) {
   if (!object.is_object())
-    return failure(themeNumber(index) + "is not a theme object.");
+    return failure(themeNumber(index) + "is not a theme.");
   AppTheme theme;
   for (const auto& [key, member] : textFields) {
     const auto found = object.find(key);

@@ -158,7 +158,7 @@ TEST_F(MacShortcutSettingsTest, ABrokenFileIsToldAndLeftAlone) {
   settings.reload();
   ASSERT_TRUE(settings.errorMessage());
   EXPECT_THAT(*settings.errorMessage(),
-              StartsWith(std::string(loadPrefix) + "parse error at line 1, column"));
+              StartsWith(std::string(loadPrefix) + "The file ends too early, in line 1, column"));
   EXPECT_EQ(settings.config(), otherConfig());
   EXPECT_EQ(contents(), "{\"leader\": ");
   EXPECT_EQ(changes.count(), 1);
