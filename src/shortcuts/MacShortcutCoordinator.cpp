@@ -128,6 +128,14 @@ bool MacShortcutCoordinator::isForButton(const Key& key) const {
   return (key.name == "return" || key.name == " ") && m_surroundings.focusedControl.isButtonFocused();
 }
 
+/// Whether what the main window is told is seen: behind other windows nobody would know where a key went. The
+/// floating panel gives way to it.
+bool MacShortcutCoordinator::showsMainWindow() const {
+  using Window = FocusedControl::Window;
+  const Window window = m_surroundings.focusedControl.window();
+  return window == Window::main || (window == Window::other && floatingCaptureExpanded);
+}
+
 /// A key typed into the popover must not save, delete or walk what stands in the main window behind it.
 bool MacShortcutCoordinator::showsInArchive(bool flag) const {
   return flag && m_surroundings.focusedControl.window() == FocusedControl::Window::main;
@@ -187,7 +195,7 @@ MacShortcutCoordinator::Action MacShortcutCoordinator::startSearch(const Key& ke
     return {};
   if (focused.hasOwnSearch())
     return {Action::Kind::focusSearch};
-  if (focused.window() == FocusedControl::Window::settings)
+  if (!showsMainWindow())
     return {};
   return post(CommandName::focusMacArchiveSearch);
 }

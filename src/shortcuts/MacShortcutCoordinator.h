@@ -93,6 +93,7 @@ class MacShortcutCoordinator {
   [[nodiscard]] bool isArmed() const;
   [[nodiscard]] bool isForButton(const Key& key) const;
   [[nodiscard]] bool showsInArchive(bool flag) const;
+  [[nodiscard]] bool showsMainWindow() const;
 
   // The rules, each of which may take a key.
   [[nodiscard]] Action leaveCapture(const Key& key) const;

@@ -103,7 +103,7 @@ struct KeyCase {
 TEST_F(MacShortcutCoordinatorTest, KeysInOtherWindowsLeaveTheArchiveAlone) {
   focus.inWindow = FocusedControl::Window::other;
   for (const Situation& behind : {archiveList, hashtagStrip, searchField, editing}) {
-    for (const char* key : {"return", "down", "j", "e", "d", "right", "backspace"}) {
+    for (const char* key : {"return", "down", "j", "e", "d", "right", "backspace", "/"}) {
       show(behind);
       EXPECT_EQ(press(key), "pass") << key;
     }
@@ -112,6 +112,8 @@ TEST_F(MacShortcutCoordinatorTest, KeysInOtherWindowsLeaveTheArchiveAlone) {
     arm();
     EXPECT_EQ(press("a"), "openMacArchive");
   }
+  show({.panel = true}); // It gives way to the main window.
+  EXPECT_EQ(press("/"), "focusMacArchiveSearch");
 }
 
 // What stands behind the settings stays as it is; their own search is theirs.
@@ -251,14 +253,6 @@ TEST_F(MacShortcutCoordinatorTest, EachSituationGivesKeysItsOwnMeaning) {
     show(one.situation);
     EXPECT_EQ(press(one.key, one.modifiers), one.outcome);
   }
-}
-
-TEST_F(MacShortcutCoordinatorTest, EscapeTakesTheFocusFromATextInputOnce) {
-  show({.archive = true, .textInput = true});
-  EXPECT_EQ(press("escape"), "consume");
-  EXPECT_FALSE(focus.textInputFocused);
-  EXPECT_EQ(press("escape"), "pass");
-  EXPECT_EQ(press("j"), "selectNextMacNotlet");
 }
 
 TEST_F(MacShortcutCoordinatorTest, TheLeaderGivesTheNextKeyACommandInEverySituation) {
