@@ -4,6 +4,7 @@
 #include <QLocale>
 #include <QShortcut>
 
+#include "archive/ui/ArchiveWarmUp.h"
 #include "archive/ui/MacArchiveView.h"
 #include "capture/ui/MacCaptureView.h"
 #include "capture/ui/MacNotletView.h"
@@ -349,7 +350,11 @@ void NotletMacApp::launch(const std::optional<LaunchRequest>& request) {
 bool NotletMacApp::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Expose) {
     qApp->removeEventFilter(this);
-    m_scheduler.after(timeToComeUp, this, [this] { startDesktop(); });
+    m_scheduler.after(timeToComeUp, this, [this] {
+      startDesktop();
+      if (const ModelContext* context = m_storage.context())
+        new ArchiveWarmUp(*context, *m_mainWindow, this); // It goes by itself.
+    });
   }
   return QObject::eventFilter(watched, event);
 }

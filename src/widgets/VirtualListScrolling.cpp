@@ -14,8 +14,9 @@ namespace notlet {
 
 namespace {
 
-/// Far below what an int holds, so that the bar can add to it.
-constexpr std::int64_t longestBar = 1 << 30;
+/// In pixels; of a longer list the bar counts larger steps. Its handle is at its smallest long before, and is
+/// not painted anew for what a list that is being loaded gains.
+constexpr std::int64_t longestBar = 1 << 20;
 /// A row that is more rows away is jumped to rather than walked to.
 constexpr std::size_t walkableRows = 64;
 
@@ -158,7 +159,7 @@ void VirtualListView::updateScrollBar() {
     return static_cast<int>(std::lround(static_cast<double>(pixels) / m_scrollScale));
   };
   const QScopedValueRollback guard(m_setsScrollBar, true);
-  verticalScrollBar()->setPageStep(std::max(1, steps(pageHeight())));
+  verticalScrollBar()->setPageStep(std::max(1, pageHeight()));
   verticalScrollBar()->setRange(0, steps(length));
   verticalScrollBar()->setValue(steps(offset()));
 }

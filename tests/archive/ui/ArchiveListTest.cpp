@@ -11,6 +11,7 @@
 #include <random>
 
 #include "archive/ArchiveFixture.h"
+#include "archive/ui/ArchiveWarmUp.h"
 #include "archive/ui/FittingTextEdit.h"
 #include "archive/ui/MacArchiveRowWidget.h"
 #include "widgets/Motion.h"
@@ -445,6 +446,16 @@ TEST_F(ArchiveListTest, AssistiveTechnologyFindsRowsAndTheControlsOfTheActiveOne
   EXPECT_TRUE(controls.contains(QStringLiteral("#work")));
   accessible->child(0)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
   EXPECT_EQ(state().selectedID, ids[0]);
+}
+
+TEST_F(ArchiveListTest, PreparingRowsUnseenEndsWhenTheNotletsAreGone) {
+  show(std::vector<std::string>(40, longText));
+  const QPointer warmUp = new ArchiveWarmUp(*context, *list, list.get());
+  QCoreApplication::processEvents();
+  ASSERT_TRUE(warmUp);
+  for (const Uuid& id : ids)
+    context->remove(id);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return warmUp.isNull(); }));
 }
 
 } // namespace notlet
