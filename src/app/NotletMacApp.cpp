@@ -404,7 +404,26 @@ void NotletMacApp::explain(const WaysBack& waysBack) {
 
 // Windows are not asked: closing one is something else than leaving.
 void NotletMacApp::quit() {
-  QCoreApplication::exit(0);
+  keepDrafts();
+  if (isTextSafe())
+    return QCoreApplication::exit(0);
+  if (m_quitQuestion)
+    return;
+  m_shellWindows->activateMainWindow();
+  m_quitQuestion = Alert::destructiveQuestion(
+      m_mainWindow.get(), QStringLiteral("Quit and lose what you typed?"),
+      QStringLiteral(
+          "What you typed and did not save cannot be kept on the disk. It is lost when Notlet ends."),
+      QStringLiteral("Quit"));
+  connect(m_quitQuestion, &Alert::accepted, this, [] { QCoreApplication::exit(0); });
+  m_quitQuestion->open();
+}
+
+bool NotletMacApp::isTextSafe() {
+  for (Capture* capture : {&m_mainCapture, &m_popoverCapture, &m_panelCapture})
+    if (!capture->draftKeeper.isSafe())
+      return false;
+  return m_unsavedEdits.isSafe();
 }
 
 void NotletMacApp::publishFlags(const ArchiveKeyboardFlags& flags) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <memory>
 #include <optional>
 
@@ -95,6 +96,7 @@ class NotletMacApp : public QObject {
   void closeMainWindow();
   void explain(const WaysBack& waysBack);
   void quit();
+  [[nodiscard]] bool isTextSafe();
   void reportStoreFailure(const QString& reason);
   void publishFlags(const ArchiveKeyboardFlags& flags);
 
@@ -144,6 +146,7 @@ class NotletMacApp : public QObject {
   std::unique_ptr<FloatingPanelWindows> m_floatingPanel;
   std::unique_ptr<MacFloatingPanelController> m_floatingPanelController;
   std::unique_ptr<NotletMacAppDelegate> m_delegate;
+  QPointer<Alert> m_quitQuestion;
   bool m_isDesktopStarted = false;
 };
 

@@ -111,6 +111,7 @@ int main(int argc, char** argv) {
   qunsetenv("XDG_ACTIVATION_TOKEN");
   qunsetenv("DESKTOP_STARTUP_ID");
   const TerminationSignals signals;
+  QObject::connect(&signals, &TerminationSignals::received, &application, [] { QCoreApplication::exit(0); });
   QApplication::setQuitOnLastWindowClosed(false);
 
   QCommandLineParser parser;
@@ -136,7 +137,6 @@ int main(int argc, char** argv) {
   NotletMacApp app(places);
   const SuddenExit keepDrafts([&app] { app.keepDrafts(); });
   QObject::connect(&instance, &SingleInstance::requested, &app, &NotletMacApp::handle);
-  QObject::connect(&signals, &TerminationSignals::received, &application, [] { QCoreApplication::exit(0); });
   app.launch(asked);
   return QApplication::exec();
 }

@@ -87,4 +87,8 @@ void UnsavedEdits::flush() {
     keeper->flush();
 }
 
+bool UnsavedEdits::isSafe() const {
+  return std::ranges::all_of(m_keepers, [](const auto& entry) { return entry.second->isSafe(); });
+}
+
 } // namespace notlet

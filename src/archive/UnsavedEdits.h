@@ -39,6 +39,8 @@ class UnsavedEdits : public QObject {
   void forget(const Uuid& id);
   /// Writes now what is not written yet and waits for it.
   void flush();
+  /// Whether an end of the program now would lose no text.
+  [[nodiscard]] bool isSafe() const;
 
  Q_SIGNALS:
   void warningChanged();

@@ -68,9 +68,9 @@ Result<std::string> DraftKeeper::restore() {
 }
 
 void DraftKeeper::keep(std::string text) {
+  m_pending = std::move(text);
   if (!m_file)
     return;
-  m_pending = std::move(text);
   // What was saved must not come back, however soon after the program ends.
   if (m_pending->empty())
     return write();
@@ -87,6 +87,8 @@ void DraftKeeper::writeAfter(std::chrono::milliseconds delay, bool& isScheduled)
 }
 
 void DraftKeeper::write() {
+  if (!m_file)
+    return;
   {
     const std::lock_guard lock(m_mutex);
     if (m_pending)
@@ -134,6 +136,12 @@ void DraftKeeper::flush() {
   awaitWriter(); // What it fails to write is tried once more.
   write();
   awaitWriter();
+}
+
+bool DraftKeeper::isSafe() {
+  const std::lock_guard lock(m_mutex);
+  const auto holdsText = [](const std::optional<std::string>& text) { return text && !text->empty(); };
+  return !m_isWriting && !holdsText(m_next) && !holdsText(m_pending);
 }
 
 void DraftKeeper::awaitWriter() {

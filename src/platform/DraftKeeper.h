@@ -35,6 +35,8 @@ class DraftKeeper : public QObject {
   void keep(std::string text);
   /// Writes now what is not written yet and waits for it.
   void flush();
+  /// Whether an end of the program now would lose no text.
+  [[nodiscard]] bool isSafe();
 
  Q_SIGNALS:
   /// The text could not be written; the reason is a sentence. Empty once a later write succeeds.

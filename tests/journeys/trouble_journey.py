@@ -51,6 +51,24 @@ class TroubleJourney(Journey):
                 self.assertEqual(self.program.wait(10), 0)
                 self.clear_drafts()
 
+    def test_the_key_that_quits_asks_before_what_was_typed_is_lost(self):
+        self.open()
+        state = self.desktop.place("state", "notlet")
+        os.rename(state, state + "-away")
+        with open(state, "w"):
+            pass
+        self.desktop.type("precious")
+        self.desktop.keys("ctrl+q")
+        self.desktop.control("label", "Quit and lose what you typed?")
+        self.desktop.keys("Escape")
+        self.await_keyboard("Notlet")
+        self.await_text("precious")
+        os.remove(state)
+        os.rename(state + "-away", state)
+        self.desktop.keys("ctrl+q")
+        self.assertEqual(self.program.wait(10), 0)
+        self.assertEqual(self.draft("main-window"), "precious")
+
     def test_the_key_that_quits_works_without_the_main_window(self):
         left = self.desktop.place("state", "notlet", "drafts", "edits", ".notlet-new-0123456789abcdef")
         os.makedirs(os.path.dirname(left))

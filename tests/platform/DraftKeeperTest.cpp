@@ -110,6 +110,7 @@ TEST_F(DraftKeeperTest, TriesAgainUntilTheDraftIsSafeAndSaysWhyItIsNot) {
     keeper->keep("older text");
     keeper->keep(text);
     keeper->flush();
+    EXPECT_EQ(keeper->isSafe(), text.empty());
     std::filesystem::remove(drafts);
     keeper.reset();
     EXPECT_EQ(contentsOf(file), text);
@@ -131,6 +132,7 @@ TEST_F(DraftKeeperTest, WithoutADirectoryNothingIsKeptAndNothingFails) {
   DraftKeeper keeper(std::nullopt, "main-window", scheduler);
   keeper.keep("text");
   keeper.flush();
+  EXPECT_FALSE(keeper.isSafe());
   EXPECT_EQ(keeper.restore(), "");
 }
 
