@@ -99,7 +99,7 @@ class ArchiveBrowser : public QObject {
   [[nodiscard]] std::vector<std::string> suggestions() const;
   /// What the user should know about the notlet being edited, a line each; mostly empty.
   [[nodiscard]] std::string editNotice() const;
-  /// Which unsaved edits are not safe on disk at the moment, a line each; empty when all are.
+  /// Why an unsaved edit is not safe on disk at the moment; empty when all are.
   [[nodiscard]] std::string draftWarning() const { return m_surroundings.unsavedEdits.warning(); }
 
   /// The screen came into view, in its first state. Does nothing when it is in view already.

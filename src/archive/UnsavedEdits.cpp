@@ -21,7 +21,7 @@ void UnsavedEdits::restore(const std::filesystem::path& directory) {
       continue;
     auto text = keeperOf(*id).restore();
     if (!text)
-      m_unreadable.push_back(text.error().message);
+      m_warnings.push_back({std::nullopt, text.error().message});
     else if (!text->empty())
       m_texts.emplace(*id, std::move(*text));
   }
@@ -39,31 +39,26 @@ DraftKeeper& UnsavedEdits::keeperOf(const Uuid& id) {
 
 /// An empty reason says that the text is safe.
 void UnsavedEdits::setUnsafe(const Uuid& id, const std::string& reason) {
-  const auto known = m_unsafe.find(id);
-  if (reason == (known == m_unsafe.end() ? std::string() : known->second.reason))
+  const auto known = std::ranges::find(m_warnings, std::optional(id), &Warning::edit);
+  if (reason == (known == m_warnings.end() ? std::string() : known->reason))
     return;
-  if (reason.empty())
-    m_unsafe.erase(known);
-  else
-    m_unsafe[id] = {reason};
+  if (known != m_warnings.end())
+    m_warnings.erase(known);
+  if (!reason.empty())
+    m_warnings.push_back({id, reason});
   Q_EMIT warningChanged();
 }
 
 std::string UnsavedEdits::warning() const {
-  std::string lines;
-  const auto add = [&](const std::string& line) { lines += lines.empty() ? line : "\n" + line; };
-  for (const auto& [id, warning] : m_unsafe) {
-    if (!warning.isDismissed)
-      add(warning.reason);
-  }
-  std::ranges::for_each(m_unreadable, add);
-  return lines;
+  const auto told = std::ranges::find(m_warnings, false, &Warning::isDismissed);
+  return told == m_warnings.end() ? std::string() : told->reason;
 }
 
 void UnsavedEdits::dismissWarning() {
-  for (auto& [id, warning] : m_unsafe)
-    warning.isDismissed = true;
-  m_unreadable.clear();
+  const auto told = std::ranges::find(m_warnings, false, &Warning::isDismissed);
+  if (told == m_warnings.end())
+    return;
+  told->isDismissed = true;
   Q_EMIT warningChanged();
 }
 

@@ -28,10 +28,10 @@ class UnsavedEdits : public QObject {
   /// All kept texts, by the identifier of their notlet.
   [[nodiscard]] const std::map<Uuid, std::string>& texts() const { return m_texts; }
 
-  /// Which texts are not safe on disk at the moment and which could not be read, a line each with the reason;
-  /// without those that were dismissed.
+  /// Why a text is not safe on disk at the moment or could not be read; empty when there is nothing to tell.
+  /// Where there are several, the next one waits until this one is over or dismissed.
   [[nodiscard]] std::string warning() const;
-  /// What is warned of now is known. Another reason is told again.
+  /// The user knows of this one. Another reason for the same text is told again.
   void dismissWarning();
 
   /// Keeps this text from now on, in place of an earlier one.
@@ -50,15 +50,17 @@ class UnsavedEdits : public QObject {
   DraftKeeper& keeperOf(const Uuid& id);
   void setUnsafe(const Uuid& id, const std::string& reason);
 
-  std::optional<std::filesystem::path> m_directory;
-  Scheduler& m_scheduler;
-  std::map<Uuid, std::string> m_texts;
   struct Warning {
+    /// The edit that is not safe; none when it could not be read.
+    std::optional<Uuid> edit;
     std::string reason;
     bool isDismissed = false;
   };
-  std::vector<std::string> m_unreadable;
-  std::map<Uuid, Warning> m_unsafe;
+
+  std::optional<std::filesystem::path> m_directory;
+  Scheduler& m_scheduler;
+  std::map<Uuid, std::string> m_texts;
+  std::vector<Warning> m_warnings;
   std::map<Uuid, std::unique_ptr<DraftKeeper>> m_keepers;
 };
 

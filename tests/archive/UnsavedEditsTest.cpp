@@ -228,6 +228,8 @@ TEST_F(UnsavedEditsTest, FilesThatAreNoEditsAreLeftAlone) {
   unsavedEdits->flush();
   QCoreApplication::sendPostedEvents();
   EXPECT_NE(browser->draftWarning(), "") << "the text that could not be read is still not there";
+  browser->dismissDraftWarning();
+  EXPECT_EQ(browser->draftWarning(), "");
 }
 
 } // namespace notlet
