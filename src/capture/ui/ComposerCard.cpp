@@ -26,7 +26,7 @@ constexpr int cornerRadius = 10;
 constexpr int innerMargin = 12;
 /// How far rows may reach beyond the text to both sides, for what has a padding of its own.
 constexpr int rowOverhang = 6;
-constexpr int narrowestHint = 200;
+constexpr int narrowestMessage = 200;
 constexpr int leastLines = 2;
 
 /// Whether the key writes, or moves the caret.
@@ -35,7 +35,14 @@ bool isTyping(const QKeyEvent& event) {
   return isMove || (!event.text().isEmpty() && event.key() != Qt::Key_Escape);
 }
 
-const QString hintText = QStringLiteral("Return to save · Shift Return for new line");
+QLabel* makeCaption(const QString& text = {}) {
+  auto* caption = new QLabel(text);
+  caption->setFont(textFont(TextStyle::caption));
+  caption->setForegroundRole(ThemeRole::secondaryText);
+  caption->setWordWrap(true);
+  caption->setTextFormat(Qt::PlainText);
+  return caption;
+}
 
 } // namespace
 
@@ -45,7 +52,7 @@ ComposerCard::ComposerCard(CaptureComposer& composer, MicButton* mic, QAbstractB
       m_editor(new ExactTextEdit(this)),
       m_suggestions(new MacHashtagSuggestionsView(
           {}, [this](const std::string& tag) { m_composer.acceptSuggestion(tag); })),
-      m_hint(new QLabel(hintText)),
+      m_message(makeCaption()),
       m_dismiss(new IconButton(Symbol::xmarkCircleFill, QStringLiteral("Dismiss message"))),
       m_mic(mic),
       m_save(save) {
@@ -79,22 +86,28 @@ void ComposerCard::layOut() {
   inset->addWidget(m_editor);
   rows->addLayout(inset, 1);
   rows->addWidget(m_suggestions);
+  rows->addWidget(makeMessageRow());
   rows->addWidget(makeFooter());
 }
 
-QWidget* ComposerCard::makeFooter() {
-  m_hint->setFont(textFont(TextStyle::caption));
-  m_hint->setForegroundRole(ThemeRole::secondaryText);
-  m_hint->setWordWrap(true);
-  m_hint->setTextFormat(Qt::PlainText);
+QWidget* ComposerCard::makeMessageRow() {
   m_dismiss->setSides(14, 22);
   m_dismiss->setShape(IconButton::Shape::round);
+  auto* message = new QWidget;
+  auto* row = new QHBoxLayout(message);
+  row->setContentsMargins(8, 0, 2, 0);
+  row->setSpacing(8);
+  row->addWidget(m_message, 1);
+  row->addWidget(m_dismiss, 0, Qt::AlignTop);
+  return message;
+}
+
+QWidget* ComposerCard::makeFooter() {
   auto* footer = new QWidget;
   auto* row = new QHBoxLayout(footer);
   row->setContentsMargins(8, 0, 2, 0);
   row->setSpacing(8);
-  row->addWidget(m_hint, 1);
-  row->addWidget(m_dismiss);
+  row->addWidget(makeCaption(QStringLiteral("Return to save · Shift Return for new line")), 1);
   row->addWidget(m_mic);
   row->addWidget(m_save);
   return footer;
@@ -128,7 +141,7 @@ void ComposerCard::render() {
   const auto suggestions = m_composer.suggestions();
   m_suggestions->setSuggestions(suggestions);
   m_suggestions->setVisible(!suggestions.empty());
-  renderHint();
+  renderMessage();
   renderFocus();
   renderDictation();
   renderAlerts();
@@ -148,18 +161,17 @@ void ComposerCard::renderInput() {
   m_holdsDictated = isDictated;
 }
 
-// A warning takes the place of the hint: whoever reads it knows how to save by now. What is true at the
-// moment comes before what can be read later.
-void ComposerCard::renderHint() {
+// What is true at the moment comes before what can be read later.
+void ComposerCard::renderMessage() {
   const std::string& warning = m_composer.state().draftWarning;
   const std::string& notice = m_composer.state().draftNotice;
-  const std::string& told = warning.empty() ? notice : warning;
-  const QString text = told.empty() ? hintText : fromUtf8(told);
-  m_hint->setText(breakable(text, m_hint->fontMetrics(), narrowestHint));
   const bool isDismissible = warning.empty() && !notice.empty();
   if (!isDismissible)
     keepKeyboardFrom(m_dismiss);
   m_dismiss->setVisible(isDismissible);
+  const QString text = fromUtf8(warning.empty() ? notice : warning);
+  m_message->setText(breakable(text, m_message->fontMetrics(), narrowestMessage));
+  m_message->parentWidget()->setVisible(!text.isEmpty());
 }
 
 /// A button that goes, or turns grey, would hand the keyboard on to the next one.

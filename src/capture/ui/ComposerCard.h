@@ -14,8 +14,9 @@ namespace notlet {
 class Alert;
 class IconButton;
 
-/// The raised field in which a notlet is written, the same on every surface: editor, hashtag suggestions, and
-/// a footer with a hint, the microphone and the save button. What fails is told in an alert over its window.
+/// The raised field in which a notlet is written, the same on every surface: editor, hashtag suggestions,
+/// what there is to say about the draft, and a footer with a hint, the microphone and the save button. What
+/// fails is told in an alert over its window.
 ///
 /// The card shows when the editor has the focus, and a click on its empty parts goes to the editor. When the
 /// editor gives the keyboard up, as it does while somebody dictates, the card itself has it: Return saves,
@@ -40,6 +41,7 @@ class ComposerCard : public QWidget {
  private:
   void prepareEditor();
   void layOut();
+  [[nodiscard]] QWidget* makeMessageRow();
   [[nodiscard]] QWidget* makeFooter();
   void connectHandlers();
   void takeInput();
@@ -47,7 +49,7 @@ class ComposerCard : public QWidget {
   void renderInput();
   void renderDictation();
   void renderFocus();
-  void renderHint();
+  void renderMessage();
   void keepKeyboardFrom(const QWidget* button);
   void renderAlerts();
   void openAlert(Alert* alert, void (CaptureComposer::*dismiss)());
@@ -58,7 +60,7 @@ class ComposerCard : public QWidget {
   CaptureComposer& m_composer;
   ExactTextEdit* m_editor;
   MacHashtagSuggestionsView* m_suggestions;
-  QLabel* m_hint;
+  QLabel* m_message;
   IconButton* m_dismiss;
   MicButton* m_mic;
   QAbstractButton* m_save;
