@@ -2,12 +2,10 @@
 import contextlib
 import fcntl
 import os
-import random
 import signal
 import socket
 import struct
 import subprocess
-import time
 
 from journey import PROGRAMS, Journey, main
 from virtual_desktop import await_value
@@ -121,27 +119,6 @@ class LaunchJourney(Journey):
                 self.assertRegex(message, f"^notlet-desktop: .*{display}.*[.]\n$")
                 for option in ("--help", "--version", "-v"):
                     self.assertEqual(self.desktop_program(option, **without), (0, ""))
-
-    def test_hostile_bytes_leave_the_draft_alone(self):
-        self.open()
-        self.desktop.type("precious")
-        self.await_text("precious")
-        dice = random.Random(4)
-        silent = [self.connect() for _ in range(100)]
-        for bytes_ in (b"", b"\0" * 100, dice.randbytes(1000), b"NLT1" + b"\xff" * 5_000_000,
-                       b"NLT1\0\0\0\x0aactivate\0\0" * 2, dice.randbytes(5_000_000)):
-            with self.connect() as peer:
-                try:
-                    peer.sendall(bytes_)
-                except OSError:
-                    pass  # Hung up on in the middle, as is right.
-        begun = time.monotonic()
-        self.desktop.notlet()
-        self.assertLess(time.monotonic() - begun, 2)
-        for peer in silent:
-            peer.close()
-        self.desktop.type(" draft")
-        self.await_text("precious draft")
 
     def test_the_window_belongs_to_the_desktop_entry(self):
         self.open()

@@ -7,7 +7,6 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <set>
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -262,19 +261,6 @@ TEST_F(DurableFileTest, readingTellsMissingFromUnreadable) {
   const fs::path pipe = folder() / "pipe";
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
   EXPECT_FALSE(readWholeFile(pipe, 10)) << "and it did not wait for a writer";
-}
-
-TEST_F(DurableFileTest, aFullDiskKeepsTheOldFile) {
-  if (::mount("tmpfs", folder().c_str(), "tmpfs", 0, "size=64k,mode=0700") != 0)
-    GTEST_SKIP() << "no file system may be mounted here";
-  const std::string old(20'000, 'o');
-  EXPECT_TRUE(writeDurably(file(), old));
-  const Result<void> written = writeDurably(file(), std::string(60'000, 'n'));
-  ASSERT_FALSE(written);
-  EXPECT_THAT(written.error().message, HasSubstr("No space left"));
-  EXPECT_EQ(contents(file()), old);
-  EXPECT_EQ(names(), std::set<std::string>{"file.json"});
-  ::umount(folder().c_str());
 }
 
 } // namespace
