@@ -32,6 +32,12 @@ struct NotletEntry {
 /// Gives an existing notlet the edited text. False, and nothing changed, when that is empty after trimming.
 [[nodiscard]] bool applyEdit(NotletEntry& notlet, std::string_view draft, Timestamp now);
 
+/// Those of the keywords that a search does not find in the text as well; nearly always none.
+[[nodiscard]] WordList keywordsBeyondText(std::string_view text, WordList::View keywords);
+[[nodiscard]] inline WordList keywordsBeyondText(const NotletEntry& notlet) {
+  return keywordsBeyondText(notlet.content, notlet.keywords.view());
+}
+
 /// The order of every list of notlets: newest first, and a fixed order between equal times.
 [[nodiscard]] inline bool listedBefore(const NotletEntry& left, const NotletEntry& right) {
   if (left.createdAt != right.createdAt)

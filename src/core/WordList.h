@@ -46,6 +46,14 @@ class WordList {
     bool m_atEnd = true;
   };
 
+  /// The words of a packed form that somebody else owns.
+  struct View {
+    std::string_view packed;
+
+    [[nodiscard]] Iterator begin() const { return Iterator(packed); }
+    [[nodiscard]] static Iterator end() { return {}; }
+  };
+
   using value_type = std::string_view;
   using iterator = Iterator;
   using const_iterator = Iterator;
@@ -74,6 +82,7 @@ class WordList {
 
   /// All words, each followed by a newline: the form in which the store keeps the list.
   [[nodiscard]] const std::string& packed() const { return m_packed; }
+  [[nodiscard]] View view() const { return {m_packed}; }
   [[nodiscard]] bool empty() const { return m_packed.empty(); }
   [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(std::distance(begin(), end())); }
   [[nodiscard]] Iterator begin() const { return Iterator(m_packed); }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
+
+#include "core/KeywordExtractor.h"
 #include <utility>
 
 namespace notlet {
@@ -31,6 +33,8 @@ ModelContext::ModelContext(const std::filesystem::path& file, Access access,
     : QObject(parent), m_file(file), m_access(access), m_database(std::move(database)), m_watch(file) {
   for (QTimer* timer : {&m_loadTimer, &m_followTimer})
     timer->setSingleShot(true);
+  if (m_database)
+    m_database->setListedKeywords(ListedKeywords::BeyondText);
   connect(&m_loadTimer, &QTimer::timeout, this, &ModelContext::loadSlice);
   connect(&m_followTimer, &QTimer::timeout, this, &ModelContext::followStore);
   connect(&m_watch, &StoreWatch::touched, this, &ModelContext::followStore);
@@ -63,6 +67,7 @@ StoreResult<void> ModelContext::openStore(std::chrono::milliseconds patience) {
     return std::unexpected(opened.error());
   }
   m_database = std::move(*opened);
+  m_database->setListedKeywords(ListedKeywords::BeyondText);
   m_database->setReadPatience(0ms);
   m_obstacle.reset();
   m_failure.reset();
@@ -79,6 +84,7 @@ void ModelContext::insert(NotletEntry entry) {
     return replace(std::move(entry));
   const Uuid id = entry.id;
   rememberStored(id);
+  entry.keywords = keywordsBeyondText(entry);
   place(std::move(entry));
   forgetUnchanged(id);
 }
@@ -88,6 +94,7 @@ void ModelContext::replace(NotletEntry entry) {
   if (!find(id))
     return;
   rememberStored(id);
+  entry.keywords = keywordsBeyondText(entry);
   assign(std::move(entry));
   forgetUnchanged(id);
 }
@@ -104,10 +111,11 @@ void ModelContext::remove(const Uuid& id) {
 
 Result<void> ModelContext::save() {
   ChangeSet changes;
+  const std::vector<NotletEntry> upserts = changedEntries();
+  for (const NotletEntry& entry : upserts)
+    changes.upserts.push_back(&entry);
   for (const auto& [id, stored] : m_stored) {
-    if (const NotletEntry* entry = find(id))
-      changes.upserts.push_back(entry);
-    else
+    if (!find(id))
       changes.deletions.push_back(id);
   }
   if (changes.upserts.empty() && changes.deletions.empty())
@@ -131,6 +139,16 @@ Result<void> ModelContext::save() {
   if (*revisionBefore == m_seenRevision)
     m_seenRevision += static_cast<std::int64_t>(changes.upserts.size());
   return {};
+}
+
+/// As they are to be stored.
+std::vector<NotletEntry> ModelContext::changedEntries() const {
+  std::vector<NotletEntry> changed;
+  for (const auto& [id, stored] : m_stored) {
+    if (const NotletEntry* entry = find(id))
+      changed.emplace_back(*entry).keywords = KeywordExtractor::extractKeywords(entry->content);
+  }
+  return changed;
 }
 
 void ModelContext::rollback() {

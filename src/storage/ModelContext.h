@@ -31,6 +31,9 @@ struct ListChange {
 /// The newest notlets are there at once; the others follow in short slices while the event loop runs. What
 /// another process writes appears by itself. Where both have changed a notlet, the unsaved change stands.
 ///
+/// Of its keywords a notlet in the list carries only those beyond its text: the others are a fifth of what
+/// the list takes, and nobody asks it for them. Saving stores all, found anew.
+///
 /// A store that cannot be opened yet is opened as soon as it can be, and one that was replaced is opened
 /// anew: the list becomes what it holds. One that is gone is not made again.
 class ModelContext : public QObject {
@@ -100,6 +103,7 @@ class ModelContext : public QObject {
   void handle(const StoreError& error, QTimer& retry);
   void fail(const StoreError& error);
 
+  [[nodiscard]] std::vector<NotletEntry> changedEntries() const;
   void rememberStored(const Uuid& id);
   void forgetUnchanged(const Uuid& id);
   [[nodiscard]] std::size_t storedCount() const;

@@ -64,7 +64,7 @@ std::optional<Uuid> readId(const SqliteStatement& statement) {
   return id;
 }
 
-std::optional<NotletEntry> readEntry(const SqliteStatement& statement) {
+std::optional<NotletEntry> readWithoutKeywords(const SqliteStatement& statement) {
   const std::optional<Uuid> id = readId(statement);
   if (!id)
     return std::nullopt;
@@ -75,12 +75,33 @@ std::optional<NotletEntry> readEntry(const SqliteStatement& statement) {
   if (!statement.isNull(3))
     entry.updatedAt = timestamp(statement.integer(3));
   entry.hashtags = WordList::fromPacked(std::string(statement.text(4)));
-  entry.keywords = WordList::fromPacked(std::string(statement.text(5)));
   return entry;
 }
 
+std::optional<NotletEntry> readEntry(const SqliteStatement& statement) {
+  std::optional<NotletEntry> entry = readWithoutKeywords(statement);
+  if (entry)
+    entry->keywords = WordList::fromPacked(std::string(statement.text(5)));
+  return entry;
+}
+
+/// A string for all keywords, freed again at once, would leave a hole in memory beside each notlet.
+std::optional<NotletEntry> readWithKeywordsBeyondText(const SqliteStatement& statement) {
+  std::optional<NotletEntry> entry = readWithoutKeywords(statement);
+  if (entry)
+    entry->keywords = keywordsBeyondText(statement.text(1), {statement.text(5)});
+  return entry;
+}
+
+using EntryReader = std::optional<NotletEntry> (*)(const SqliteStatement&);
+
+EntryReader readerOf(ListedKeywords keywords) {
+  return keywords == ListedKeywords::All ? readEntry : readWithKeywordsBeyondText;
+}
+
+template<ListedKeywords keywords>
 std::optional<StoredNotlet> readStored(const SqliteStatement& statement) {
-  std::optional<NotletEntry> entry = readEntry(statement);
+  std::optional<NotletEntry> entry = readerOf(keywords)(statement);
   if (!entry)
     return std::nullopt;
   return StoredNotlet{statement.integer(6), std::move(*entry)};
@@ -396,7 +417,7 @@ StoreResult<std::vector<Row>> NotletDatabase::page(const char* columns, std::siz
 StoreResult<std::vector<NotletEntry>> NotletDatabase::newest(std::size_t limit,
                                                              std::optional<ListPosition> after,
                                                              std::chrono::steady_clock::time_point deadline) {
-  return page<NotletEntry>(NOTLET_COLUMNS, limit, after, readEntry, deadline);
+  return page<NotletEntry>(NOTLET_COLUMNS, limit, after, readerOf(m_listedKeywords), deadline);
 }
 
 StoreResult<std::vector<ListPosition>> NotletDatabase::positions(std::size_t limit,
@@ -424,7 +445,9 @@ StoreResult<std::vector<StoredNotlet>> NotletDatabase::changedSince(std::int64_t
   };
   return rows<StoredNotlet>("SELECT " NOTLET_COLUMNS ", revision FROM NotletEntry WHERE revision > ? "
                             "ORDER BY revision LIMIT ?",
-                            bind, readStored);
+                            bind,
+                            m_listedKeywords == ListedKeywords::All ? readStored<ListedKeywords::All>
+                                                                    : readStored<ListedKeywords::BeyondText>);
 }
 
 StoreResult<std::vector<Uuid>> NotletDatabase::allIds() {

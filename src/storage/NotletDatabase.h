@@ -18,6 +18,9 @@ namespace notlet {
 /// Whether the store may be written.
 enum class Access { ReadOnly, ReadWrite };
 
+/// Which of their keywords the notlets of a list are read with.
+enum class ListedKeywords { All, BeyondText };
+
 /// What is asked of an opening beside its access.
 struct OpeningTerms {
   /// With write access a missing file is created (0600) together with its folder (0700).
@@ -88,6 +91,8 @@ class NotletDatabase {
   /// An upper bound for count() that costs nothing.
   [[nodiscard]] StoreResult<std::size_t> estimatedCount();
 
+  /// For newest() and changedSince(); at first they read all.
+  void setListedKeywords(ListedKeywords keywords) { m_listedKeywords = keywords; }
   /// How long reading waits while another program writes; at first as long as saving does.
   void setReadPatience(std::chrono::milliseconds patience);
 
@@ -120,6 +125,7 @@ class NotletDatabase {
 
   SqliteConnection m_connection;
   Access m_access;
+  ListedKeywords m_listedKeywords = ListedKeywords::All;
   std::chrono::milliseconds m_readPatience{250};
   bool m_isDamaged = false;
 };

@@ -7,7 +7,7 @@ namespace notlet {
 
 const NotletEntry* NotletList::find(const Uuid& id) const {
   const auto found = m_notlets.find(id);
-  return found == m_notlets.end() ? nullptr : &found->second;
+  return found == m_notlets.end() ? nullptr : &*found;
 }
 
 std::optional<std::size_t> NotletList::indexOf(const Uuid& id) const {
@@ -40,22 +40,23 @@ NotletList::Order::const_iterator NotletList::placeInOrder(Timestamp createdAt, 
 std::size_t NotletList::insert(NotletEntry entry) {
   const auto place = placeInOrder(entry.createdAt, entry.id);
   const std::size_t index = size() - static_cast<std::size_t>(place - m_order.begin());
-  const Uuid id = entry.id;
-  const NotletEntry& owned = m_notlets.emplace(id, std::move(entry)).first->second;
+  const NotletEntry& owned = *m_notlets.insert(std::move(entry)).first;
   m_order.insert(place, &owned);
   return index;
 }
 
 NotletEntry NotletList::replace(NotletEntry entry) {
-  return std::exchange(m_notlets.find(entry.id)->second, std::move(entry));
+  // A node that goes out of the table and back into it stays where it is in memory.
+  auto node = m_notlets.extract(m_notlets.find(entry.id));
+  NotletEntry former = std::exchange(node.value(), std::move(entry));
+  m_notlets.insert(std::move(node));
+  return former;
 }
 
 NotletEntry NotletList::take(const Uuid& id) {
-  const auto found = m_notlets.find(id);
-  m_order.erase(placeInOrder(found->second.createdAt, id));
-  NotletEntry entry = std::move(found->second);
-  m_notlets.erase(found);
-  return entry;
+  auto node = m_notlets.extract(m_notlets.find(id));
+  m_order.erase(placeInOrder(node.value().createdAt, id));
+  return std::move(node.value());
 }
 
 } // namespace notlet

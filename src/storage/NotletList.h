@@ -2,8 +2,9 @@
 
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <optional>
-#include <unordered_map>
+#include <unordered_set>
 
 #include "core/NotletEntry.h"
 
@@ -37,7 +38,18 @@ class NotletList {
 
   [[nodiscard]] Order::const_iterator placeInOrder(Timestamp createdAt, const Uuid& id) const;
 
-  std::unordered_map<Uuid, NotletEntry> m_notlets;
+  static const Uuid& idOf(const Uuid& id) { return id; }
+  static const Uuid& idOf(const NotletEntry& entry) { return entry.id; }
+  struct IdHash {
+    using is_transparent = void;
+    std::size_t operator()(const auto& object) const { return std::hash<Uuid>()(idOf(object)); }
+  };
+  struct IdEqual {
+    using is_transparent = void;
+    bool operator()(const auto& left, const auto& right) const { return idOf(left) == idOf(right); }
+  };
+
+  std::unordered_set<NotletEntry, IdHash, IdEqual> m_notlets;
   Order m_order;
 };
 

@@ -71,10 +71,11 @@ class ModelContextTest : public StoreFixture {
 
   /// What the list should be: sorted newest first and the same as in the store.
   void expectAgreesWithStore(const ModelContext& context) {
-    const auto stored = openStore()->newest(1'000'000);
+    auto stored = openStore()->newest(1'000'000);
     ASSERT_TRUE(stored);
     ASSERT_EQ(context.size(), stored->size());
     for (std::size_t index = 0; index < stored->size(); ++index) {
+      (*stored)[index].keywords = keywordsBeyondText((*stored)[index]);
       ASSERT_EQ(context.at(index), (*stored)[index]) << index;
       ASSERT_EQ(context.indexOf((*stored)[index].id), index);
     }
@@ -119,6 +120,7 @@ TEST_F(ModelContextTest, savedChangesAreInTheStoreAndRolledBackOnesAreNot) {
   ASSERT_TRUE(context->save());
   expectAgreesWithStore(*context);
   EXPECT_EQ(context->find(edited.id), address) << "an edit must not move the notlet";
+  EXPECT_EQ(openStore()->find(edited.id).value()->keywords, WordList{"changed"});
   context->rollback();
   expectAgreesWithStore(*context);
 }

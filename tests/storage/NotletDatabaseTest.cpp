@@ -60,12 +60,12 @@ class NotletDatabaseTest : public StoreFixture {
 };
 
 TEST_F(NotletDatabaseTest, allFieldsComeBackExactly) {
-  const NotletEntry plain = notletAt(1);
+  NotletEntry plain = notletAt(1);
+  plain.keywords = {"Call", "Anna", "work"};
   NotletEntry odd =
       notletAt(2, "before\0after \xF0\x9F\x8E\x89\r\n\xE2\x80\xA8 \xC2\xA0 'quote\"; DROP TABLE"s);
   odd.updatedAt = odd.createdAt + std::chrono::microseconds(1);
   odd.hashtags = {};
-  odd.keywords = {};
   NotletEntry early = notletAt(0);
   early.createdAt = Timestamp(std::chrono::microseconds(-1));
   const NotletEntry large = notletAt(3, std::string(3'000'000, 'x'));

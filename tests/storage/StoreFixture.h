@@ -22,7 +22,6 @@ inline NotletEntry notletAt(int second, std::string content = "Call Anna") {
   entry.createdAt =
       Timestamp(std::chrono::seconds(1'700'000'000 + second)) + std::chrono::microseconds(123'457);
   entry.hashtags = {"work"};
-  entry.keywords = {"Call", "Anna", "work"};
   return entry;
 }
 
