@@ -137,6 +137,11 @@ namespace {
 /// A key is held for longer before it repeats, in milliseconds; a program may press and release it at once.
 constexpr quint64 shortestDelay = 50;
 
+/// Other keys may walk from control to control while they are held.
+bool pressesButtons(const QKeyEvent& event) {
+  return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter || event.key() == Qt::Key_Space;
+}
+
 quint32 placeOf(const QKeyEvent& event) {
   return event.nativeScanCode() != 0 ? event.nativeScanCode() : static_cast<quint32>(event.key());
 }
@@ -204,16 +209,20 @@ bool KeyMonitor::consumes(const QKeyEvent& event, bool isBlocked) {
   press->isRepeat = isRepeat(event);
   if (std::optional<std::string> latin = m_latinKeys.charactersOf(event))
     press->latinCharacters = std::move(latin);
-  const bool isFree = !isBlocked && QApplication::activePopupWidget() == nullptr;
-  const bool isOffered = isFree && !isComposing();
+  Pressed now{placeOf(event), event.timestamp(), QGuiApplication::focusObject()};
+  now.isFree = !isBlocked && QApplication::activePopupWidget() == nullptr;
+  now.isOffered = now.isFree && !isComposing();
   if (!press->isRepeat) {
-    m_pressed = {placeOf(event), event.timestamp(), isFree, isOffered, false};
-    m_pressed.isConsumed = isOffered && m_handler(*press);
+    m_pressed = now;
+    m_pressed.isConsumed = now.isOffered && m_handler(*press);
     return m_pressed.isConsumed;
   }
-  const bool isForGoneDialog = isFree && !m_pressed.isFree;
-  const bool isConsumedNow = isOffered && m_pressed.isOffered && m_handler(*press);
-  return isForGoneDialog || isConsumedNow || m_pressed.isConsumed;
+  const bool isForGoneDialog = now.isFree && !m_pressed.isFree;
+  const bool isForOtherControl = pressesButtons(event) && now.focus != m_pressed.focus;
+  if (isForGoneDialog || isForOtherControl)
+    return true;
+  const bool isTaken = now.isOffered && m_pressed.isOffered && m_handler(*press);
+  return isTaken || m_pressed.isConsumed;
 }
 
 /// A held key comes as pairs of a release and a press at the same time, which Qt overlooks when it sees the

@@ -47,6 +47,7 @@ class KeyMonitor : public QObject {
   struct Pressed {
     quint32 place = 0;
     quint64 timestamp = 0;
+    QPointer<const QObject> focus;
     /// No dialog and no menu had the keyboard.
     bool isFree = false;
     bool isOffered = false;

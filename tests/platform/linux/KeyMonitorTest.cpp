@@ -317,6 +317,21 @@ TEST_F(KeyMonitorTest, AHeldKeyBelongsToWhomItWasPressedFor) {
   }
 }
 
+// Return on a suggestion gives the keyboard to the text, which its repeats would save.
+TEST_F(KeyMonitorTest, AHeldReturnPressesOneControlOnly) {
+  const QSignalSpy entered(&line, &QLineEdit::returnPressed);
+  button.setAutoDefault(true);
+  QObject::connect(&button, &QPushButton::clicked, &line, [this] { line.setFocus(); });
+  button.setFocus();
+  for (const bool isRepeat : {false, true, true})
+    QTest::simulateEvent(window.windowHandle(), true, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"),
+                         isRepeat);
+  EXPECT_TRUE(line.hasFocus());
+  EXPECT_EQ(entered.count(), 0);
+  type(Qt::Key_Return);
+  EXPECT_EQ(entered.count(), 1);
+}
+
 TEST_F(KeyMonitorTest, KeysAreLeftToAnInputMethodThatComposes) {
   consumes = true;
   for (QWidget* focus : std::initializer_list<QWidget*>{&line, &plainText, &richText}) {
