@@ -15,11 +15,16 @@ namespace notlet {
 TEST(MainWindowTest, FitsOnASmallScreen) {
   MemoryDefaults defaults;
   AppSettings settings{defaults};
-  const MainWindow window(settings, new QWidget);
-  const QSize screen = window.screen()->availableSize();
+  MainWindow window(settings, new QWidget);
+  const QRect screen = window.screen()->availableGeometry();
   ASSERT_LT(screen.width(), 840);
   EXPECT_LT(window.width(), screen.width());
   EXPECT_EQ(window.height(), 600);
+  // The place of a screen that is gone.
+  window.show();
+  window.move(3000, 100);
+  window.keepWithinReach();
+  EXPECT_TRUE(screen.contains(window.geometry()));
 }
 
 TEST(MainWindowTest, ItsFrameAndThoseOfItsDialogsAreInTheTonesOfTheTheme) {
