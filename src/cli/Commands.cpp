@@ -113,7 +113,7 @@ CommandResult<void> show(const CommandLine& line, Output& output) {
   if (line.json)
     output.writeLine(NotletPrinter::jsonLine(*notlet));
   else
-    output.writeLine(output.isTerminal() ? NotletPrinter::harmless(notlet->content) : notlet->content);
+    output.writeLine(notlet->content);
   return {};
 }
 

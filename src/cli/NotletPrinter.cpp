@@ -3,8 +3,11 @@
 #include <wchar.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "cli/TerminalText.h"
 #include "cli/TimeText.h"
 #include "core/Text.h"
 
@@ -16,6 +19,11 @@ using nlohmann::json;
 constexpr std::size_t shortIdLength = 8;
 constexpr std::string_view ellipsis = "…";
 
+/// Whether a control or a bidirectional control may begin with this byte; few characters have one of these.
+bool mayBeginControl(char byte) {
+  return (byte >= 0 && byte < ' ') || byte == '\x7f' || byte == '\xc2' || byte == '\xe2';
+}
+
 json object(const NotletEntry& notlet) {
   return {{"id", notlet.id.text()},
           {"content", notlet.content},
@@ -25,8 +33,26 @@ json object(const NotletEntry& notlet) {
           {"keywords", notlet.keywords.strings()}};
 }
 
+/// JSON in which what a terminal would obey is written as escapes; it reads the same.
 std::string dumped(const json& value, int indentation) {
-  return value.dump(indentation, ' ', false, json::error_handler_t::replace);
+  const std::string text = value.dump(indentation, ' ', false, json::error_handler_t::replace);
+  std::string escaped;
+  std::size_t done = 0;
+  for (std::size_t position = 0; position < text.size();) {
+    if (!mayBeginControl(text[position])) {
+      ++position;
+      continue;
+    }
+    const CodePoint next = firstCodePoint(std::string_view(text).substr(position));
+    if (next.value != '\n' && (isControl(next.value) || isBidirectionalControl(next.value))) {
+      std::array<char, 8> code{};
+      std::snprintf(code.data(), code.size(), "\\u%04x", static_cast<unsigned>(next.value));
+      escaped.append(text, done, position - done).append(code.data());
+      done = position + next.length;
+    }
+    position += next.length;
+  }
+  return escaped.append(text, done);
 }
 
 std::string withReplaced(std::string_view text, std::string_view from, std::string_view to) {
@@ -41,27 +67,24 @@ std::string withReplaced(std::string_view text, std::string_view from, std::stri
   }
 }
 
-bool isControl(char32_t character) {
-  return character < 0x20 || (character >= 0x7f && character < 0xa0) || character == 0x2028 ||
-         character == 0x2029;
-}
-
-std::string_view firstLineOf(std::string_view text) {
-  return text.substr(0, text.find_first_of("\r\n"));
-}
-
 /// The first line on one line of output, whatever is in it.
 std::string flatFirstLine(std::string_view text) {
   std::string flat;
-  for (std::string_view rest = firstLineOf(text); !rest.empty();) {
-    const CodePoint next = firstCodePoint(rest);
-    if (isControl(next.value))
-      flat.push_back(' ');
-    else
-      flat.append(rest.substr(0, next.length));
-    rest.remove_prefix(next.length);
+  std::size_t done = 0;
+  std::size_t position = 0;
+  while (position < text.size() && text[position] != '\n' && text[position] != '\r') {
+    if (!mayBeginControl(text[position])) {
+      ++position;
+      continue;
+    }
+    const CodePoint next = firstCodePoint(text.substr(position));
+    if (isControl(next.value)) {
+      flat.append(text.substr(done, position - done)).push_back(' ');
+      done = position + next.length;
+    }
+    position += next.length;
   }
-  return flat;
+  return flat.append(text.substr(done, position - done));
 }
 
 std::size_t cellsOf(char32_t character) {
@@ -123,27 +146,13 @@ std::string terminalLine(const NotletEntry& notlet, std::size_t width) {
   constexpr std::size_t narrowest = 20;
   std::string line = notlet.id.text().substr(0, shortIdLength) + "  " + localText(notlet.createdAt) + "  ";
   const std::size_t room = std::max(narrowest, width - std::min(width, line.size()));
-  const bool hasMore = firstLineOf(notlet.content).size() < notlet.content.size();
+  const bool hasMore = notlet.content.find_first_of("\r\n") != std::string::npos;
   return line += fitted(flatFirstLine(notlet.content), room, hasMore);
 }
 
 std::string pipeLine(const NotletEntry& notlet) {
   return notlet.id.text().substr(0, shortIdLength) + "\t" + localText(notlet.createdAt) + "\t" +
          flatFirstLine(notlet.content);
-}
-
-std::string harmless(std::string_view text) {
-  std::string result;
-  for (std::string_view rest = text; !rest.empty();) {
-    const CodePoint next = firstCodePoint(rest);
-    const bool isLayout = next.value == '\n' || next.value == '\t' || next.value > 0x2000;
-    if (isControl(next.value) && !isLayout)
-      result.append("\uFFFD");
-    else
-      result.append(rest.substr(0, next.length));
-    rest.remove_prefix(next.length);
-  }
-  return result;
 }
 
 } // namespace notlet::NotletPrinter

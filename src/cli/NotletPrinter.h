@@ -24,7 +24,4 @@ namespace notlet::NotletPrinter {
 /// For programs: the same fields, parted by tabs, with the whole first line.
 [[nodiscard]] std::string pipeLine(const NotletEntry& notlet);
 
-/// The text without what a terminal would obey.
-[[nodiscard]] std::string harmless(std::string_view text);
-
 } // namespace notlet::NotletPrinter

@@ -6,13 +6,22 @@
 #include <cerrno>
 #include <system_error>
 
+#include "cli/TerminalText.h"
+
 namespace notlet {
+
+Output::Output(int descriptor, std::string name)
+    : m_descriptor(descriptor), m_isTerminal(::isatty(descriptor) == 1), m_name(std::move(name)) {
+}
 
 void Output::write(std::string_view text) {
   constexpr std::size_t portion = 64 << 10;
   if (!isOpen())
     return;
-  m_pending.append(text);
+  if (m_isTerminal)
+    m_pending.append(harmless(text));
+  else
+    m_pending.append(text);
   if (m_pending.size() >= portion)
     writeOut();
 }
@@ -40,10 +49,6 @@ CommandResult<void> Output::flush() {
     return {};
   return commandFailure(m_name + " could not be written: " + std::generic_category().message(m_errorNumber) +
                         ".");
-}
-
-bool Output::isTerminal() const {
-  return ::isatty(m_descriptor) == 1;
 }
 
 std::size_t Output::terminalWidth() const {

@@ -8,13 +8,14 @@
 
 namespace notlet {
 
-/// Writes to an open descriptor in large portions and remembers the first failure.
+/// Writes to an open descriptor in large portions and remembers the first failure. To a terminal it writes
+/// nothing that would control that.
 class Output {
  public:
   /// The name begins the message when writing fails.
-  explicit Output(int descriptor, std::string name = "The output")
-      : m_descriptor(descriptor), m_name(std::move(name)) {}
+  explicit Output(int descriptor, std::string name = "The output");
 
+  /// The text must not end within a character.
   void write(std::string_view text);
   /// Writes the text and ends the line.
   void writeLine(std::string_view text);
@@ -23,7 +24,7 @@ class Output {
   /// Writes what is left. A reader that has gone is no failure.
   [[nodiscard]] CommandResult<void> flush();
 
-  [[nodiscard]] bool isTerminal() const;
+  [[nodiscard]] bool isTerminal() const { return m_isTerminal; }
   /// The terminal's width in cells; 80 when it does not tell.
   [[nodiscard]] std::size_t terminalWidth() const;
 
@@ -31,6 +32,7 @@ class Output {
   void writeOut();
 
   int m_descriptor;
+  bool m_isTerminal;
   std::string m_name;
   std::string m_pending;
   int m_errorNumber = 0;

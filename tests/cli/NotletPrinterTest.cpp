@@ -4,6 +4,7 @@
 
 #include <clocale>
 
+#include "cli/TerminalText.h"
 #include "core/Uuid.h"
 
 namespace notlet {
@@ -56,8 +57,12 @@ TEST(NotletPrinterTest, keepsEveryPipeLineOnOneLineOfThreeFields) {
 }
 
 TEST(NotletPrinterTest, disarmsTextForTheTerminal) {
-  EXPECT_EQ(NotletPrinter::harmless("a\tb\nc \x1b]0;title\x07 \u009b2J \rx é\u2028日"),
+  EXPECT_EQ(harmless("a\tb\nc \x1b]0;title\x07 \u009b2J \rx é\u2028日"),
             "a\tb\nc \uFFFD]0;title\uFFFD \uFFFD2J \uFFFDx é\u2028日");
+  EXPECT_EQ(harmless("\x9b\xc2"), "\uFFFD\uFFFD");
+  EXPECT_EQ(harmless("a \u202Eb\nc \u2067d \u202Ae"), "a \u202Eb\u202C\nc \u2067d \u202Ae\u202C\u2069");
+  EXPECT_EQ(harmless("\u202Ea\u202C \u2067\u202E\u2069 \u2067\u202C\u2069"),
+            "\u202Ea\u202C \u2067\u202E\u2069 \u2067\u202C\u2069");
 }
 
 TEST(NotletPrinterTest, keepsHashtagsAndLinesInMarkdown) {

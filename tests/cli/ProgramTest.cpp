@@ -282,6 +282,43 @@ TEST_F(ProgramTest, reportsOutputThatCannotBeWritten) {
   EXPECT_EQ(contents({"list"}), (std::vector<std::string>{"another", "text"}));
 }
 
+TEST_F(ProgramTest, letsNothingControlATerminal) {
+  const std::string id = notlet.add("a \x1b]0;b\x07 \u009b2J \x7f \u202Ec #tag");
+  NotletProcess shell;
+  shell.program = "/bin/sh";
+  shell.environment["HOME"] = notlet.home().string();
+  const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  ASSERT_TRUE(::grantpt(terminal) == 0 && ::unlockpt(terminal) == 0);
+  shell.outputDescriptor = ::open(::ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  for (const Words& words : std::vector<Words>{{"list"},
+                                               {"list", "--json"},
+                                               {"search", "tag", "--json"},
+                                               {"show", id},
+                                               {"export"},
+                                               {"export", "--format", "markdown"},
+                                               {"path"},
+                                               {"show", "\x1b[2J\u009b"},
+                                               {"add", "--tag", "\x1b\x9b", "x"}}) {
+    Words command{"-c", "exec \"$@\" 2>&1", "sh", NOTLET_PROGRAM};
+    command.insert(command.end(), words.begin(), words.end());
+    if (words.front() == "path")
+      shell.environment["XDG_DATA_HOME"] = "/tmp/\x1b[31m\x9b";
+    static_cast<void>(shell.run(command));
+    shell.environment.erase("XDG_DATA_HOME");
+    std::array<char, 4096> buffer{};
+    const ssize_t count = ::read(terminal, buffer.data(), buffer.size());
+    ASSERT_GT(count, 0);
+    const std::string printed(buffer.data(), static_cast<std::size_t>(count));
+    for (const char* control : {"\x1b", "\x07", "\x7f", "\u009b", "\x9b"})
+      EXPECT_EQ(printed.find(control), std::string::npos) << ::testing::PrintToString(words) << printed;
+    const std::size_t turned = printed.rfind("\u202E");
+    EXPECT_TRUE(turned == std::string::npos || printed.find("\u202C", turned) != std::string::npos)
+        << printed;
+  }
+  ::close(shell.outputDescriptor);
+  ::close(terminal);
+}
+
 TEST_F(ProgramTest, stopsQuietlyWhenNobodyReads) {
   for (int number = 0; number < 3; ++number)
     static_cast<void>(notlet.add(std::string(100'000, 'x')));
