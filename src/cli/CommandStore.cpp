@@ -66,6 +66,18 @@ CommandResult<void> CommandStore::visit(const std::function<bool(const NotletEnt
   return {};
 }
 
+CommandResult<void> CommandStore::scan(RowFilter& filter,
+                                       const std::function<void(const NotletEntry&)>& visit) {
+  std::optional<std::int64_t> last = 0;
+  while (m_database != nullptr && last) {
+    const auto read = patiently([&] { return m_database->scan(*last, filter, visit); });
+    if (!read)
+      return std::unexpected(read.error());
+    last = *read;
+  }
+  return {};
+}
+
 CommandResult<Uuid> CommandStore::findId(std::string_view idBeginning) {
   constexpr std::size_t mostNamed = 5;
   if (std::ranges::count(idBeginning, '-') == std::ranges::ssize(idBeginning))
@@ -90,13 +102,22 @@ CommandResult<NotletEntry> CommandStore::find(std::string_view idBeginning) {
   const CommandResult<Uuid> id = findId(idBeginning);
   if (!id)
     return std::unexpected(id.error());
-  StoreResult<std::optional<NotletEntry>> found = patiently([&] { return m_database->find(*id); });
+  CommandResult<std::optional<NotletEntry>> found = find(*id);
   if (!found)
     return std::unexpected(found.error());
   std::optional<NotletEntry> notlet = std::move(*found);
   if (!notlet)
     return commandFailure("The notlet was deleted by another program in this moment.");
   return std::move(*notlet);
+}
+
+CommandResult<std::optional<NotletEntry>> CommandStore::find(const Uuid& id) {
+  StoreResult<std::optional<NotletEntry>> found;
+  if (m_database != nullptr)
+    found = patiently([&] { return m_database->find(id); });
+  if (!found)
+    return std::unexpected(found.error());
+  return std::move(*found);
 }
 
 CommandResult<std::vector<Uuid>> CommandStore::allIds() {

@@ -26,6 +26,13 @@ class CommandStore {
   /// at a time, whatever the archive holds.
   [[nodiscard]] CommandResult<void> visit(const std::function<bool(const NotletEntry&)>& visit);
 
+  /// Hands out the notlets that the filter admits, in the order of their writing, each before the filter
+  /// looks at another. One that is written meanwhile may come twice.
+  [[nodiscard]] CommandResult<void> scan(RowFilter& filter,
+                                         const std::function<void(const NotletEntry&)>& visit);
+
+  /// The notlet of this id, or nothing.
+  [[nodiscard]] CommandResult<std::optional<NotletEntry>> find(const Uuid& id);
   /// The notlet whose id begins so; hyphens and letter case are free. Fails when there is none or several.
   [[nodiscard]] CommandResult<NotletEntry> find(std::string_view idBeginning);
   [[nodiscard]] CommandResult<Uuid> findId(std::string_view idBeginning);

@@ -12,6 +12,7 @@
 #include "cli/NotletImport.h"
 #include "cli/NotletPrinter.h"
 #include "cli/ReplacingFile.h"
+#include "cli/SelectedNotlets.h"
 #include "cli/Selection.h"
 #include "core/NotletEntry.h"
 #include "core/Text.h"
@@ -47,13 +48,11 @@ std::unexpected<CommandError> emptyText() {
   return commandFailure("The text is empty; nothing was stored.");
 }
 
-void printNotlet(const NotletEntry& notlet, bool asJson, Output& output) {
+std::string lineOf(const NotletEntry& notlet, bool asJson, const Output& output) {
   if (asJson)
-    output.writeLine(NotletPrinter::jsonLine(notlet));
-  else if (output.isTerminal())
-    output.writeLine(NotletPrinter::terminalLine(notlet, output.terminalWidth()));
-  else
-    output.writeLine(NotletPrinter::pipeLine(notlet));
+    return NotletPrinter::jsonLine(notlet);
+  return output.isTerminal() ? NotletPrinter::terminalLine(notlet, output.terminalWidth())
+                             : NotletPrinter::pipeLine(notlet);
 }
 
 CommandResult<void> add(const CommandLine& line, Output& output) {
@@ -77,30 +76,26 @@ CommandResult<void> add(const CommandLine& line, Output& output) {
   return {};
 }
 
-/// Hands out what the tags, the query and the limit leave.
-CommandResult<void> visitSelected(const CommandLine& line, std::string_view query, const Output& output,
-                                  const std::function<void(const NotletEntry&)>& visit) {
+/// Writes what the tags, the query and the limit leave: each as `print` prints it, handed to `write`.
+CommandResult<void> writeSelected(const CommandLine& line, std::string_view query, const Output& output,
+                                  const std::function<std::string(const NotletEntry&)>& print,
+                                  const std::function<void(std::string_view)>& write) {
   const CommandResult<Selection> selection = Selection::make(query, line.tags);
   if (!selection)
     return std::unexpected(selection.error());
   CommandResult<CommandStore> store = CommandStore::open(Access::ReadOnly);
   if (!store)
     return std::unexpected(store.error());
-  std::size_t left = line.limit.value_or(std::numeric_limits<std::size_t>::max());
-  if (left == 0)
-    return {};
-  return store->visit([&](const NotletEntry& notlet) {
-    if (selection->holds(notlet)) {
-      visit(notlet);
-      --left;
-    }
-    return left > 0 && output.isOpen();
+  return writeSelected(*store, *selection, line.limit, print, [&](std::string_view text) {
+    write(text);
+    return output.isOpen();
   });
 }
 
 CommandResult<void> list(const CommandLine& line, std::string_view query, Output& output) {
-  return visitSelected(line, query, output,
-                       [&](const NotletEntry& notlet) { printNotlet(notlet, line.json, output); });
+  return writeSelected(
+      line, query, output, [&](const NotletEntry& notlet) { return lineOf(notlet, line.json, output); },
+      [&](std::string_view text) { output.writeLine(text); });
 }
 
 CommandResult<void> show(const CommandLine& line, Output& output) {
@@ -187,17 +182,18 @@ CommandResult<void> printTags(const CommandLine& line, Output& output) {
 
 CommandResult<void> writeArchive(const CommandLine& line, Output& output) {
   if (line.format == ExportFormat::Markdown)
-    return visitSelected(line, "", output,
-                         [&](const NotletEntry& notlet) { output.write(NotletPrinter::markdown(notlet)); });
+    return writeSelected(line, "", output, NotletPrinter::markdown,
+                         [&](std::string_view text) { output.write(text); });
   std::string_view separator = "[\n";
-  CommandResult<void> visited = visitSelected(line, "", output, [&](const NotletEntry& notlet) {
-    output.write(separator);
-    output.write(NotletPrinter::jsonElement(notlet));
-    separator = ",\n";
-  });
-  if (visited)
+  CommandResult<void> written =
+      writeSelected(line, "", output, NotletPrinter::jsonElement, [&](std::string_view text) {
+        output.write(separator);
+        output.write(text);
+        separator = ",\n";
+      });
+  if (written)
     output.write(separator == "[\n" ? "[]\n" : "\n]\n");
-  return visited;
+  return written;
 }
 
 CommandResult<void> exportArchive(const CommandLine& line, Output& output) {

@@ -27,10 +27,16 @@ class Selection {
                                                      const std::vector<std::string>& tags);
 
   [[nodiscard]] bool holds(const NotletEntry& notlet) const;
+  [[nodiscard]] bool holdsEverything() const {
+    return m_query.matchesEverything() && m_tags.matchesEverything();
+  }
+
+  [[nodiscard]] const SearchQuery& query() const { return m_query; }
+  /// Looks for the tags beside the query; empty without them.
+  [[nodiscard]] const SearchQuery& tags() const { return m_tags; }
 
  private:
   SearchQuery m_query;
-  /// Looks for the tags alone; empty without tags.
   SearchQuery m_tags;
 };
 

@@ -98,7 +98,7 @@ std::size_t beginOfLastPiece(std::string_view text) {
 
 } // namespace
 
-WordList extractDottedKeywords(std::string_view text, const StopWords& stopWords) {
+std::string dottedPieces(std::string_view text) {
   std::string pieces;
   std::size_t begin = 0;
   for (std::size_t stop = findInnerStop(text, 0); stop != std::string_view::npos;
@@ -108,6 +108,11 @@ WordList extractDottedKeywords(std::string_view text, const StopWords& stopWords
     pieces.append(text.substr(begin, end - begin)).push_back(' ');
     begin = end;
   }
+  return pieces;
+}
+
+WordList extractDottedKeywords(std::string_view text, const StopWords& stopWords) {
+  const std::string pieces = dottedPieces(text);
   return pieces.empty() ? WordList() : extractKeywords(pieces, stopWords);
 }
 

@@ -21,6 +21,9 @@ namespace notlet::KeywordExtractor {
 [[nodiscard]] WordList extractDottedKeywords(std::string_view text,
                                              const StopWords& stopWords = StopWords::set());
 
+/// The pieces of text with such a full stop, each followed by a space; mostly there are none.
+[[nodiscard]] std::string dottedPieces(std::string_view text);
+
 /// The folded words to look for, each once, of any length, without stop words.
 [[nodiscard]] std::vector<std::string> extractSearchTerms(std::string_view text,
                                                           const StopWords& stopWords = StopWords::set());

@@ -7,8 +7,8 @@
 /// The way back from folded text (see folded()) to what may have been written.
 namespace notlet::Unfolding {
 
-/// The single characters, other than the text itself, that fold to this text, in the order of their code
-/// points: "I" for "i", "İ" for "i̇". Most texts have none.
-[[nodiscard]] const std::vector<std::string>& charactersOf(std::string_view foldedText);
+/// The single characters, other than the text itself, that fold to this text: "I" for "i", "İ" for "i̇". Most
+/// texts have none.
+[[nodiscard]] std::vector<std::string> charactersOf(std::string_view foldedText);
 
 } // namespace notlet::Unfolding

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <limits>
 #include <sqlite3.h>
 
 #include "platform/DurableFile.h"
+#include "storage/RowFilterSql.h"
 #include "storage/StoreFile.h"
 
 namespace notlet {
@@ -418,6 +420,45 @@ StoreResult<std::vector<NotletEntry>> NotletDatabase::newest(std::size_t limit,
                                                              std::optional<ListPosition> after,
                                                              std::chrono::steady_clock::time_point deadline) {
   return page<NotletEntry>(NOTLET_COLUMNS, limit, after, readerOf(m_listedKeywords), deadline);
+}
+
+StoreResult<std::optional<std::int64_t>>
+NotletDatabase::scan(std::int64_t revision, RowFilter& filter,
+                     const std::function<void(const NotletEntry&)>& visit) {
+  // They are read in some ten milliseconds, for which a program that saves can wait.
+  constexpr std::int64_t rowsAtOnce = 50'000;
+  const RowFilterSql functions(m_connection, filter);
+  if (StoreResult<void> ready = functions.status(); !ready)
+    return std::unexpected(ready.error());
+  const StoreResult<std::vector<std::int64_t>> next = rows<std::int64_t>(
+      "SELECT revision FROM NotletEntry WHERE revision > ? ORDER BY revision LIMIT 1",
+      [&](SqliteStatement& statement) { statement.bind(1, revision); }, readInteger);
+  if (!next)
+    return std::unexpected(next.error());
+  if (next->empty())
+    return std::nullopt;
+  constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
+  const std::int64_t last = std::min(next->front(), largest - rowsAtOnce) + rowsAtOnce;
+  const std::string sql = "SELECT " NOTLET_COLUMNS
+                          " FROM NotletEntry WHERE revision > ?1 AND revision <= ?2" +
+                          functions.condition() + " ORDER BY revision";
+  StoreResult<SqliteStatement> statement = SqliteStatement::prepare(m_connection, sql.c_str());
+  if (!statement)
+    return std::unexpected(noticed(statement.error()));
+  statement->bind(1, revision);
+  statement->bind(2, last);
+  for (;;) {
+    const StoreResult<bool> row = statement->step();
+    if (!row)
+      return std::unexpected(noticed(row.error()));
+    if (!*row)
+      return last;
+    std::optional<NotletEntry> entry = readEntry(*statement);
+    if (!entry)
+      return std::unexpected(
+          noticed(m_connection.error(Kind::Damaged, "is damaged: it holds a row that is not a notlet")));
+    visit(*entry);
+  }
 }
 
 StoreResult<std::vector<ListPosition>> NotletDatabase::positions(std::size_t limit,

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/NotletEntry.h"
+#include "storage/RowFilter.h"
 #include "storage/SqliteConnection.h"
 #include "storage/StoreError.h"
 
@@ -72,6 +73,11 @@ class NotletDatabase {
   [[nodiscard]] StoreResult<std::vector<NotletEntry>>
   newest(std::size_t limit, std::optional<ListPosition> after = {},
          std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::time_point::max());
+  /// Hands out what the filter admits among some thousand rows that were written after `revision`, in the
+  /// order of their writing, each before the filter looks at another; gives the revision to go on after, or
+  /// nothing when there were no more rows. Other programs can write between two calls.
+  [[nodiscard]] StoreResult<std::optional<std::int64_t>>
+  scan(std::int64_t revision, RowFilter& filter, const std::function<void(const NotletEntry&)>& visit);
   /// The places of up to `limit` notlets in the same order, read without their contents.
   [[nodiscard]] StoreResult<std::vector<ListPosition>> positions(std::size_t limit,
                                                                  std::optional<ListPosition> after = {});

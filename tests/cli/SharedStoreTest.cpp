@@ -44,6 +44,26 @@ TEST_F(SharedStoreTest, losesNothingWhenSeveralAddAtOnce) {
     EXPECT_THAT(notlet.succeed({"show", id}).output, ::testing::StartsWith("note "));
 }
 
+// A search goes through the store in portions of the numbers of its writes.
+TEST_F(SharedStoreTest, findsWhatWasWrittenAfterAnyNumberOfOthers) {
+  const std::string first = notlet.add("first #word");
+  for (const char* count : {"60000", "9000000000000000000"}) {
+    constexpr int readWrite = 2;
+    auto connection = SqliteConnection::open(notlet.store(), readWrite);
+    ASSERT_TRUE(connection->execute((std::string("UPDATE sqlite_sequence SET seq = ") + count).c_str()));
+    connection = std::unexpected(StoreError(StoreError::Kind::Other, ""));
+    static_cast<void>(notlet.add(std::string("written after ") + count + " #word"));
+  }
+  static_cast<void>(notlet.succeed({"edit", first, "edited last #word"}));
+  for (const NotletProcess::Words& words : std::vector<NotletProcess::Words>{
+           {"search", "word"}, {"list", "--tag", "word"}, {"search", "word", "--limit", "3"}}) {
+    const std::vector<std::string> lines = notlet.succeed(words).lines();
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_THAT(lines[0], HasSubstr("9000000000000000000"));
+    EXPECT_THAT(lines[2], HasSubstr("edited last"));
+  }
+}
+
 TEST_F(SharedStoreTest, waitsForAProgramThatIsWriting) {
   static_cast<void>(notlet.add("first"));
   std::optional<SqliteConnection> holder = holdStore();

@@ -107,6 +107,13 @@ TEST(TextTest, APrefixIsOneOfWholeCharacters) {
   EXPECT_TRUE(startsWithCanonically("work", ""));
 }
 
+bool isOneOfEither(std::string_view text, std::string_view first, std::string_view second) {
+  std::size_t index = 0;
+  while (index < text.size() && (text[index] == first[index] || text[index] == second[index]))
+    ++index;
+  return index == text.size();
+}
+
 TEST(ByteSearchTest, FindsWhatThePlainSearchFindsAtEveryLengthAndOffset) {
   RandomText random(1);
   for (int round = 0; round < 4000; ++round) {
@@ -120,6 +127,17 @@ TEST(ByteSearchTest, FindsWhatThePlainSearchFindsAtEveryLengthAndOffset) {
       needle[random.below(needle.size())] = 'b';
     ASSERT_EQ(findBytes(text, needle, from), std::string_view(text).find(needle, from))
         << text << " / " << needle << " / " << from;
+
+    std::string other = needle;
+    for (char& byte : other)
+      byte = random.oneIn(3) ? 'c' : byte;
+    std::size_t place = std::min(from, text.size());
+    while (place + needle.size() <= text.size() &&
+           !isOneOfEither(text.substr(place, needle.size()), needle, other))
+      ++place;
+    const bool isFound = from <= text.size() && place + needle.size() <= text.size();
+    ASSERT_EQ(findEither(text, needle, other, from), isFound ? place : std::string::npos)
+        << text << " / " << needle << " or " << other << " / " << from;
   }
 }
 
