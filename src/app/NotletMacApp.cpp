@@ -374,11 +374,15 @@ void NotletMacApp::handle(const LaunchRequest& request) {
 }
 
 void NotletMacApp::keepDrafts() {
+  flushDrafts();
+  const QSignalBlocker noWindowIsTold(&m_settings);
+  m_settings.tryAgain();
+}
+
+void NotletMacApp::flushDrafts() {
   for (Capture* capture : {&m_mainCapture, &m_popoverCapture, &m_panelCapture})
     capture->draftKeeper.flush();
   m_unsavedEdits.flush();
-  const QSignalBlocker noWindowIsTold(&m_settings);
-  m_settings.tryAgain();
 }
 
 void NotletMacApp::closeMainWindow() {
@@ -404,7 +408,7 @@ void NotletMacApp::explain(const WaysBack& waysBack) {
 
 // Windows are not asked: closing one is something else than leaving.
 void NotletMacApp::quit() {
-  keepDrafts();
+  flushDrafts();
   if (isTextSafe())
     return QCoreApplication::exit(0);
   if (m_quitQuestion)

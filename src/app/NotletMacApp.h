@@ -96,6 +96,7 @@ class NotletMacApp : public QObject {
   void closeMainWindow();
   void explain(const WaysBack& waysBack);
   void quit();
+  void flushDrafts();
   [[nodiscard]] bool isTextSafe();
   void reportStoreFailure(const QString& reason);
   void publishFlags(const ArchiveKeyboardFlags& flags);

@@ -1,7 +1,5 @@
 #include "platform/TemporaryFile.h"
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <random>
