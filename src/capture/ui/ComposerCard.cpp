@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QFocusEvent>
 #include <QHBoxLayout>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QResizeEvent>
@@ -56,6 +57,7 @@ ComposerCard::ComposerCard(CaptureComposer& composer, MicButton* mic, QAbstractB
       m_dismiss(new IconButton(Symbol::xmarkCircleFill, QStringLiteral("Dismiss message"))),
       m_mic(mic),
       m_save(save) {
+  setAttribute(Qt::WA_InputMethodEnabled);
   prepareEditor();
   layOut();
   connectHandlers();
@@ -269,6 +271,16 @@ void ComposerCard::keyPressEvent(QKeyEvent* event) {
     return QWidget::keyPressEvent(event);
   m_composer.setInputFocused(true);
   QCoreApplication::sendEvent(m_editor, event);
+}
+
+// So is what takes several keys, such as an accent and its letter.
+void ComposerCard::inputMethodEvent(QInputMethodEvent* event) {
+  if (event->commitString().isEmpty())
+    return;
+  m_composer.setInputFocused(true);
+  QInputMethodEvent committed;
+  committed.setCommitString(event->commitString());
+  QCoreApplication::sendEvent(m_editor, &committed);
 }
 
 bool ComposerCard::useKey(const QKeyEvent& event) {

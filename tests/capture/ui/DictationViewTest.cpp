@@ -3,6 +3,8 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
+#include <QInputMethod>
+#include <QInputMethodEvent>
 #include <QLabel>
 #include <QScrollBar>
 #include <QTest>
@@ -109,6 +111,15 @@ TEST_F(DictationViewTest, WhoeverTypesIsInTheEditorAtOnce) {
   type(QStringLiteral(", please"));
   EXPECT_EQ(editor->exactText(), QStringLiteral("and eggs, please"));
   EXPECT_EQ(mic->dictation(), Dictation::off);
+  EXPECT_TRUE(editor->hasFocus());
+
+  // The same with a letter that takes several keys.
+  editor->clearFocus();
+  EXPECT_TRUE(QGuiApplication::inputMethod()->queryFocusObject(Qt::ImEnabled, {}).toBool());
+  QInputMethodEvent composed;
+  composed.setCommitString(QStringLiteral("ú"));
+  QCoreApplication::sendEvent(QApplication::focusWidget(), &composed);
+  EXPECT_EQ(editor->exactText(), QStringLiteral("and eggs, pleaseú"));
   EXPECT_TRUE(editor->hasFocus());
 }
 
