@@ -415,7 +415,7 @@ void NotletMacApp::quit() {
     return;
   m_shellWindows->activateMainWindow();
   m_quitQuestion = Alert::destructiveQuestion(
-      m_mainWindow.get(), QStringLiteral("Quit and lose what you typed?"),
+      m_mainWindow->centralWidget(), QStringLiteral("Quit and lose what you typed?"),
       QStringLiteral(
           "What you typed and did not save cannot be kept on the disk. It is lost when Notlet ends."),
       QStringLiteral("Quit"));
@@ -440,7 +440,8 @@ void NotletMacApp::reportStoreFailure(const QString& reason) {
   // Without a store that is open the windows themselves say so.
   if (!m_storage.container())
     return;
-  Alert::message(m_mainWindow.get(), QStringLiteral("Notlet storage is unavailable"), reason)->open();
+  Alert::message(m_mainWindow->centralWidget(), QStringLiteral("Notlet storage is unavailable"), reason)
+      ->open();
 }
 
 } // namespace notlet
