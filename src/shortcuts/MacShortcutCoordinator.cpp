@@ -201,7 +201,8 @@ MacShortcutCoordinator::Action MacShortcutCoordinator::startSearch(const Key& ke
 }
 
 MacShortcutCoordinator::Action MacShortcutCoordinator::useArchive(const Key& key) const {
-  if (!showsInArchive(archiveActive) || key.modifiers != 0 || isForButton(key) ||
+  const bool isBesideEditor = archiveEditingActive && m_surroundings.focusedControl.isButtonFocused();
+  if (!showsInArchive(archiveActive) || key.modifiers != 0 || isForButton(key) || isBesideEditor ||
       m_surroundings.focusedControl.isTextInputFocused())
     return {};
   if (archiveHashtagNavigationActive) {
