@@ -217,6 +217,8 @@ class BubbleJourney(Journey):
         self.await_cut(BUBBLE, 9, True)
         compositor = self.start_compositor()
         self.await_cut(BUBBLE, 9, False)
+        # The shadow has grown around it.
+        self.await_frame(BUBBLE, (FIRST_PLACE[0] - 8, FIRST_PLACE[1] - 8, SIDE + 16, SIDE + 16))
         self.click_bubble()
         self.await_cut(PANEL, 7, False)
         self.desktop.end(compositor)
@@ -224,6 +226,7 @@ class BubbleJourney(Journey):
         self.desktop.keys("Escape")
         self.await_collapsed()
         self.await_cut(BUBBLE, 9, True)
+        self.await_frame(BUBBLE, FIRST_PLACE)
 
 
 if __name__ == "__main__":
