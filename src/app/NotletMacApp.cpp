@@ -64,6 +64,8 @@ std::vector<std::string> preferredLanguages() {
 
 /// For the first window to be painted and to get the keyboard.
 constexpr std::chrono::milliseconds timeToComeUp{150};
+/// For whoever started the program to write to begin with it.
+constexpr std::chrono::milliseconds timeToSettle{600};
 
 } // namespace
 
@@ -350,8 +352,8 @@ void NotletMacApp::launch(const std::optional<LaunchRequest>& request) {
 bool NotletMacApp::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Expose) {
     qApp->removeEventFilter(this);
-    m_scheduler.after(timeToComeUp, this, [this] {
-      startDesktop();
+    m_scheduler.after(timeToComeUp, this, [this] { startDesktop(); });
+    m_scheduler.after(timeToSettle, this, [this] {
       if (const ModelContext* context = m_storage.context())
         new ArchiveWarmUp(*context, *m_mainWindow, this); // It goes by itself.
     });

@@ -26,6 +26,7 @@ class GlobalHotKey : public QObject {
   virtual void uninstall() = 0;
 
  Q_SIGNALS:
+  /// Not from within the handling of the event that told of the key.
   void pressed();
   /// The program has the key, perhaps after a refusal.
   void installed();

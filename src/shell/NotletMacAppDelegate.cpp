@@ -65,7 +65,7 @@ void NotletMacAppDelegate::listenToStatusItem() {
 void NotletMacAppDelegate::configureGlobalQuickNotletHotKey() {
   GlobalHotKey& hotKey = m_surroundings.hotKey;
   connect(&hotKey, &GlobalHotKey::pressed, this,
-          [this] { postNextTurn(CommandName::openGlobalMacQuickNotlet); });
+          [this] { m_surroundings.notificationCenter.post(CommandName::openGlobalMacQuickNotlet); });
   connect(&hotKey, &GlobalHotKey::failed, this, &NotletMacAppDelegate::reportHotKey);
   connect(&hotKey, &GlobalHotKey::installed, this, &NotletMacAppDelegate::hotKeyInstalled);
   connect(&m_surroundings.shortcutSettings, &MacShortcutSettings::changed, this,

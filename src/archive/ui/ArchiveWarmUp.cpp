@@ -12,13 +12,15 @@ namespace {
 constexpr std::size_t firstRows = 12;
 /// As many as the list measures to guess its height.
 constexpr std::size_t sampledRows = 24;
+/// A row may take twenty milliseconds, and a key should have to wait for one at most.
+constexpr std::chrono::milliseconds pause{15};
 
 } // namespace
 
 ArchiveWarmUp::ArchiveWarmUp(const ModelContext& list, const QWidget& window, QObject* parent)
     : QObject(parent), m_list(list), m_window(&window) {
   connect(&m_timer, &QTimer::timeout, this, &ArchiveWarmUp::prepareNextRow);
-  m_timer.start(0);
+  m_timer.start(pause);
 }
 
 std::size_t ArchiveWarmUp::row() const {
