@@ -42,27 +42,27 @@ bool MacShortcutCoordinator::Key::isNamed(std::string_view configured) const {
 }
 
 bool MacShortcutCoordinator::handle(const KeyPress& press) {
-  Action action = actionOf(press);
+  const Action action = actionOf(press);
   if (press.isRepeat && !action.doesWhat(m_lastPress))
     return m_lastPress.isTaken();
-  m_lastPress = std::move(action);
-  return perform(m_lastPress);
+  m_lastPress = action;
+  return perform(action);
 }
 
 bool MacShortcutCoordinator::handle(std::string_view key, std::uint32_t modifierRawValue) {
-  m_lastPress = actionOf(Key{key, modifierRawValue & KeyModifier::mask});
-  return perform(m_lastPress);
+  const Action action = actionOf(Key{key, modifierRawValue & KeyModifier::mask});
+  m_lastPress = action;
+  return perform(action);
 }
 
 bool MacShortcutCoordinator::perform(const Action& action) {
-  const Action now = action; // Whoever carries out a command may press keys itself.
-  if (!now.keepsLeader)
+  if (!action.keepsLeader)
     m_leaderDeadline.reset();
-  switch (now.kind) {
+  switch (action.kind) {
   case Action::Kind::pass:
     break;
   case Action::Kind::post:
-    m_surroundings.notificationCenter.post(now.command, now.object);
+    m_surroundings.notificationCenter.post(action.command, action.object);
     break;
   case Action::Kind::clearFocus:
     m_surroundings.focusedControl.clearFocus();
@@ -74,7 +74,7 @@ bool MacShortcutCoordinator::perform(const Action& action) {
     m_leaderDeadline = m_surroundings.clock.now() + waitFor(config().leaderTimeoutMilliseconds);
     break;
   }
-  return now.isTaken();
+  return action.isTaken();
 }
 
 // A plain leader is looked for in what is really typed only: otherwise a letter could not be typed any more.
