@@ -117,7 +117,8 @@ std::optional<Timestamp> parseTime(std::string_view text) {
 }
 
 std::string localText(Timestamp time) {
-  const std::time_t seconds = chrono::system_clock::to_time_t(chrono::floor<chrono::seconds>(time));
+  // The system clock's own type ends in the year 2262.
+  const std::time_t seconds = chrono::floor<chrono::seconds>(time).time_since_epoch().count();
   std::tm local{};
   std::array<char, 64> text{};
   if (::localtime_r(&seconds, &local) == nullptr ||

@@ -6,6 +6,7 @@
 #include <unicode/timezone.h>
 
 #include <cstdlib>
+#include <ctime>
 #include <string_view>
 
 namespace notlet {
@@ -44,16 +45,23 @@ std::unique_ptr<icu::DateFormat> timeFormat(const icu::Locale& locale) {
       icu::DateFormat::createTimeInstance(icu::DateFormat::kShort, locale));
 }
 
-std::string printed(const icu::DateFormat* format, Timestamp time) {
+std::string printed(const icu::DateFormat* format, Timestamp time, std::chrono::seconds offset) {
   std::string text;
   if (format == nullptr)
     return text;
   icu::UnicodeString wide;
-  format->format(
-      static_cast<UDate>(std::chrono::floor<std::chrono::milliseconds>(time).time_since_epoch().count()),
-      wide);
+  const auto moved = std::chrono::floor<std::chrono::milliseconds>(time) + offset;
+  format->format(static_cast<UDate>(moved.time_since_epoch().count()), wide);
   wide.toUTF8String(text);
   return text;
+}
+
+/// How far the clocks of the user's time zone are ahead of UTC. The C library knows every form of TZ, of
+/// which ICU knows the names only.
+std::chrono::seconds userOffset(Timestamp time) {
+  const std::time_t seconds = std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count();
+  std::tm local{};
+  return std::chrono::seconds(::localtime_r(&seconds, &local) != nullptr ? local.tm_gmtoff : 0);
 }
 
 } // namespace
@@ -62,18 +70,27 @@ struct DateFormatting::Formatters {
   std::unique_ptr<icu::DateFormat> day;
   std::unique_ptr<icu::DateFormat> timeOfDay;
 
-  explicit Formatters(const icu::Locale& locale) : day(dayFormat(locale)), timeOfDay(timeFormat(locale)) {}
+  /// What a time is moved by before it is printed.
+  std::chrono::seconds (*offset)(Timestamp);
+
+  Formatters(const icu::Locale& locale, const std::string& timeZone,
+             std::chrono::seconds (*offsetOf)(Timestamp))
+      : day(dayFormat(locale)), timeOfDay(timeFormat(locale)), offset(offsetOf) {
+    for (icu::DateFormat* format : {day.get(), timeOfDay.get()}) {
+      if (format != nullptr)
+        format->adoptTimeZone(icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(timeZone)));
+    }
+  }
 };
 
-DateFormatting::DateFormatting() : m_formatters(std::make_unique<Formatters>(localeForDates())) {
+DateFormatting::DateFormatting()
+    : m_formatters(std::make_unique<Formatters>(localeForDates(), "GMT", userOffset)) {
+  ::tzset();
 }
 
 DateFormatting::DateFormatting(const std::string& locale, const std::string& timeZone)
-    : m_formatters(std::make_unique<Formatters>(localeNamed(locale))) {
-  for (icu::DateFormat* format : {m_formatters->day.get(), m_formatters->timeOfDay.get()}) {
-    if (format != nullptr)
-      format->adoptTimeZone(icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(timeZone)));
-  }
+    : m_formatters(std::make_unique<Formatters>(localeNamed(locale), timeZone,
+                                                [](Timestamp) { return std::chrono::seconds(0); })) {
 }
 
 DateFormatting::DateFormatting(DateFormatting&&) noexcept = default;
@@ -86,13 +103,13 @@ const DateFormatting& DateFormatting::shared() {
 }
 
 std::string DateFormatting::day(Timestamp time) const {
-  return printed(m_formatters->day.get(), time);
+  return printed(m_formatters->day.get(), time, m_formatters->offset(time));
 }
 
 std::string DateFormatting::timeOfDay(Timestamp time) const {
   // English puts a narrow no-break space before "PM", for which many fonts have no glyph.
   constexpr std::string_view narrowSpace = "\u202F";
-  std::string text = printed(m_formatters->timeOfDay.get(), time);
+  std::string text = printed(m_formatters->timeOfDay.get(), time, m_formatters->offset(time));
   for (std::size_t at = text.find(narrowSpace); at != std::string::npos; at = text.find(narrowSpace, at))
     text.replace(at, narrowSpace.size(), " ");
   return text;

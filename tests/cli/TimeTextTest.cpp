@@ -24,6 +24,15 @@ TEST(TimeTextTest, writesRfc3339InUtc) {
     EXPECT_EQ(utcText(at(time)), text);
 }
 
+TEST(TimeTextTest, writesTheLocalTimeOfAnyYear) {
+  setenv("TZ", "EST5EDT,M3.2.0,M11.1.0", 1);
+  tzset();
+  EXPECT_EQ(localText(parseTime("2300-07-01T00:00:00Z").value()), "2300-06-30 20:00");
+  EXPECT_EQ(localText(parseTime("1000-01-01T05:00:59Z").value()), "1000-01-01 00:00");
+  unsetenv("TZ");
+  tzset();
+}
+
 TEST(TimeTextTest, readsBackWhatItWrites) {
   std::mt19937_64 random(1);
   std::uniform_int_distribution<std::int64_t> times(-62'167'219'200'000'000, 253'402'300'799'999'999);

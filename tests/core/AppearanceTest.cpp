@@ -9,6 +9,23 @@ namespace notlet {
 
 namespace {
 
+/// Sets a variable of the environment for as long as it lives.
+class ScopedVariable {
+ public:
+  ScopedVariable(const char* name, const char* value) : m_name(name) {
+    if (const char* before = std::getenv(name))
+      m_before = before;
+    setenv(name, value, 1);
+  }
+  ScopedVariable(const ScopedVariable&) = delete;
+  ScopedVariable& operator=(const ScopedVariable&) = delete;
+  ~ScopedVariable() { m_before ? setenv(m_name, m_before->c_str(), 1) : unsetenv(m_name); }
+
+ private:
+  const char* m_name;
+  std::optional<std::string> m_before;
+};
+
 constexpr Rgb black{0, 0, 0};
 constexpr Rgb white{255, 255, 255};
 
@@ -88,16 +105,25 @@ TEST(DateFormattingTest, TimesBeforeTheEpochAreNotRoundedIntoTheNextMinute) {
   EXPECT_EQ(formatting.day(Timestamp(std::chrono::microseconds(-1))), "Dez. 31, 1969");
 }
 
-TEST(DateFormattingTest, TheUsersLanguageForDatesIsFollowed) {
-  const char* before = std::getenv("LC_ALL");
-  const std::string kept = before != nullptr ? before : "";
-  setenv("LC_ALL", "", 1);
-  setenv("LC_TIME", "fr_FR.UTF-8", 1);
-  const DateFormatting formatting;
-  unsetenv("LC_TIME");
-  setenv("LC_ALL", kept.c_str(), 1);
-
-  EXPECT_EQ(formatting.day(Timestamp(std::chrono::hours(12))), "janv. 1, 1970");
+TEST(DateFormattingTest, TheUsersLanguageAndTimeZoneAreFollowed) {
+  const ScopedVariable all("LC_ALL", "");
+  const ScopedVariable language("LC_TIME", "fr_FR.UTF-8");
+  const Timestamp winter = std::chrono::sys_days(std::chrono::year(2300) / 1 / 2) + std::chrono::hours(3);
+  const Timestamp summer = winter + std::chrono::days(180);
+  struct {
+    const char *zone, *day, *winterTime, *summerTime;
+  } const cases[] = {
+      {"Europe/Berlin", "janv. 2, 2300", "04:00", "05:00"},
+      {"EST5EDT,M3.2.0,M11.1.0", "janv. 1, 2300", "22:00", "23:00"},
+      {"<+0545>-5:45", "janv. 2, 2300", "08:45", "08:45"},
+  };
+  for (const auto& [name, day, winterTime, summerTime] : cases) {
+    const ScopedVariable zone("TZ", name);
+    const DateFormatting formatting;
+    EXPECT_EQ(formatting.day(winter), day) << name;
+    EXPECT_EQ(formatting.timeOfDay(winter), winterTime) << name;
+    EXPECT_EQ(formatting.timeOfDay(summer), summerTime) << name;
+  }
 }
 
 } // namespace
