@@ -152,7 +152,10 @@ MacShortcutCoordinator::Action MacShortcutCoordinator::endEditing(const Key& key
     return {};
   if (key.name == "escape")
     return post(CommandName::cancelEditingMacNotlet);
-  if (key.isPlain("return") && !isForButton(key))
+  // An editor may stay open, even hidden by a filter, while the keyboard is elsewhere in the archive.
+  const bool isAtHashtags =
+      archiveHashtagNavigationActive && !m_surroundings.focusedControl.isTextInputFocused();
+  if (key.isPlain("return") && !isForButton(key) && !archiveSearchFieldActive && !isAtHashtags)
     return post(CommandName::saveEditingMacNotlet);
   return {};
 }
