@@ -29,7 +29,10 @@ endfunction()
 # One precompiled header for each Qt level, built once and shared by all modules of the level.
 function(notlet_precompiled_header level)
   set(target "notlet_pch_${level}")
-  file(WRITE "${CMAKE_BINARY_DIR}/pch/${level}.cpp" "")
+  # Written once: a newer file would be compiled again after each configuring.
+  if(NOT EXISTS "${CMAKE_BINARY_DIR}/pch/${level}.cpp")
+    file(WRITE "${CMAKE_BINARY_DIR}/pch/${level}.cpp" "")
+  endif()
   add_library(${target} STATIC "${CMAKE_BINARY_DIR}/pch/${level}.cpp")
   set_target_properties(${target} PROPERTIES AUTOMOC OFF AUTORCC OFF)
   notlet_qt_libraries(qt ${level})
