@@ -131,6 +131,18 @@ class ThemesJourney(Journey):
         self.desktop.keys("BackSpace", "Down", "Up", "Escape", "Down", "Down")
         self.await_active("Paper, Light")
 
+    def test_keys_search_the_themes_that_are_in_front(self):
+        self.open_themes()
+        for window in (MAIN, SETTINGS):
+            # From a button that is no part of the screen.
+            self.desktop.keys(*["shift+Tab"] * 3, "slash")
+            field = self.desktop.control("text", "Search themes", within=window)
+            await_value(lambda: self.desktop.has_state(field, "FOCUSED"), f"the search of {window}")
+            self.desktop.keys("Escape", "ctrl+comma")
+            self.await_window_active(SETTINGS)
+        self.desktop.keys("ctrl+s", "a")
+        self.assert_stays(lambda: self.desktop.controls("text", "Search themes", within=MAIN))
+
     def test_a_theme_is_made_changed_and_deleted(self):
         self.open_themes()
         self.choose_option("New Custom Theme")
