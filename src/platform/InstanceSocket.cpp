@@ -120,7 +120,7 @@ Result<HandOver> handOver(const LaunchRequest& request, const std::filesystem::p
     return HandOver::nobodyThere;
   }
   if (!isOwnProcess(number))
-    return failure("The socket " + socket.string() + " belongs to another user.");
+    return failure("Notlet is already running for another user, at “" + socket.string() + "”.");
   if (!sendAll(number, *message))
     return silence();
   const std::optional<std::string> answer = receiveAnswer(number);
