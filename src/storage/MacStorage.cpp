@@ -48,9 +48,9 @@ std::optional<std::string> MacStorage::errorDescription() const {
     return std::nullopt;
   if (!m_container)
     return m_errorDescription;
-  if (const std::optional<StoreError>& failure = context()->failure())
-    return failure->message;
-  return context()->obstacle()->message + " Notlet goes on trying to open it.";
+  const std::optional<StoreError>& obstacle = context()->obstacle();
+  return (obstacle ? obstacle->message : std::string()) +
+         (context()->failure() ? "" : " Notlet goes on trying to open it.");
 }
 
 MacStorage& MacStorage::shared() {

@@ -38,8 +38,8 @@ class NotletList {
 
   [[nodiscard]] Order::const_iterator placeInOrder(Timestamp createdAt, const Uuid& id) const;
 
-  static const Uuid& idOf(const Uuid& id) { return id; }
-  static const Uuid& idOf(const NotletEntry& entry) { return entry.id; }
+  static Uuid idOf(const Uuid& id) { return id; }
+  static Uuid idOf(const NotletEntry& entry) { return entry.id; }
   struct IdHash {
     using is_transparent = void;
     std::size_t operator()(const auto& object) const { return std::hash<Uuid>()(idOf(object)); }

@@ -7,8 +7,10 @@ namespace notlet {
 Result<std::unique_ptr<SharedModelContainer>>
 SharedModelContainer::make(const DirectoryProvider& directory, bool allowsSave, bool syncsWithCloudKit) {
   Result<std::unique_ptr<SharedModelContainer>> container = prepare(directory, allowsSave, syncsWithCloudKit);
-  if (container && !(*container)->mainContext().isOpen())
-    return std::unexpected(static_cast<const Error&>((*container)->mainContext().obstacle().value()));
+  if (!container)
+    return container;
+  if (const std::optional<StoreError>& obstacle = (*container)->mainContext().obstacle())
+    return std::unexpected(static_cast<const Error&>(*obstacle));
   return container;
 }
 
