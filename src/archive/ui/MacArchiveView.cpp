@@ -56,8 +56,11 @@ void MacArchiveView::layOut() {
   controls->addWidget(m_search);
   controls->addWidget(m_hashtags);
   controls->addWidget(m_banner);
-  m_content->addWidget(m_list);
-  m_content->addWidget(m_placeholder);
+  // In a small window they give way to what there is to tell.
+  for (QWidget* page : std::initializer_list<QWidget*>{m_list, m_placeholder}) {
+    page->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Ignored);
+    m_content->addWidget(page);
+  }
 
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);

@@ -416,6 +416,11 @@ TEST_F(MacArchiveViewTest, EverythingFitsAtTheSmallestSize) {
   browser->setEditDraft("text of some length that has to be wrapped in the banner");
   storeElsewhere({}, {ids[1]});
   ASSERT_TRUE(isSeen([&] { return button(QStringLiteral("Discard")) != nullptr; }));
+  std::filesystem::create_directories(editFolder() / (ids[0].text() + ".txt") / "in the way");
+  browser->beginEditing(ids[0]);
+  browser->setEditDraft("not safe on disk");
+  unsavedEdits->flush();
+  ASSERT_TRUE(isSeen([&] { return named(QStringLiteral("Dismiss message")) != nullptr; }));
   browser->updateHashtagSearch("workshopworkshopworkshop");
   browser->clearHashtagSearch();
   browser->updateHashtagSearch("o");
@@ -425,9 +430,11 @@ TEST_F(MacArchiveViewTest, EverythingFitsAtTheSmallestSize) {
     EXPECT_EQ(view->size(), size);
     for (const QWidget* widget : {static_cast<QWidget*>(field), static_cast<QWidget*>(bar),
                                   static_cast<QWidget*>(button(QStringLiteral("Save as new notlet"))),
-                                  static_cast<QWidget*>(button(QStringLiteral("Discard")))})
+                                  static_cast<QWidget*>(button(QStringLiteral("Discard")))}) {
       EXPECT_TRUE(view->rect().contains(QRect(widget->mapTo(view, QPoint()), widget->size())))
           << widget->metaObject()->className() << " at " << size.width();
+      EXPECT_GE(widget->height(), widget->sizeHint().height()) << widget->metaObject()->className();
+    }
   }
 }
 
