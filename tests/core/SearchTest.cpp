@@ -15,9 +15,15 @@ NotletEntry notletOf(std::string_view text) {
   return makeNotlet(text, Timestamp{}).value();
 }
 
+/// Nothing more of its keywords is in memory.
+NotletEntry asListed(NotletEntry notlet) {
+  notlet.keywords = keywordsBeyondText(notlet);
+  return notlet;
+}
+
 bool matchesPrepared(const NotletEntry& notlet, std::string_view query) {
   FoldedArchive archive;
-  return archive.matches(archive.add(notlet), SearchQuery::parse(query));
+  return archive.matches(archive.add(asListed(notlet)), SearchQuery::parse(query));
 }
 
 TEST(SearchTest, ANotletIsFoundByTextTagsKeywordsAndTheWholeQuery) {
@@ -38,6 +44,8 @@ TEST(SearchTest, ANotletIsFoundByTextTagsKeywordsAndTheWholeQuery) {
       {"#work #report", "#report #work", true},
       {"don't forget", "dont", true},
       {"don't forget", "don't", true},
+      {"caf'e cafe\u0301", "cafe", true},
+      {"ΟΔΟ'Σ ΟΔΟΣΑ", "οδος", true},
       {"other things", "the", true},
       {"no such word", "the", false},
       {"wow!!!", "!!!", true},
@@ -95,12 +103,6 @@ TEST(SearchTest, PartsOfTagsAndKeywordsDoNotCount) {
     EXPECT_FALSE(SearchService::matches(notlet, query)) << query;
     EXPECT_FALSE(matchesPrepared(notlet, query)) << query;
   }
-}
-
-/// Nothing more of its keywords is in memory.
-NotletEntry asListed(NotletEntry notlet) {
-  notlet.keywords = keywordsBeyondText(notlet);
-  return notlet;
 }
 
 /// An archive beside the notlets it should hold, changed by chance.

@@ -410,6 +410,11 @@ TEST_F(ModelContextTest, damageMetLaterIsToldAndEndsSaving) {
   context->insert(notletAt(5000, "typed"));
   EXPECT_FALSE(context->save());
   EXPECT_EQ(context->at(0).content, "typed");
+  std::filesystem::remove(store());
+  storeElsewhere({notletAt(1)});
+  EXPECT_TRUE(context->save()) << "with a healthy one in its place";
+  EXPECT_TRUE(waitFor([&] { return context->isComplete() && context->size() == 2; }));
+  expectAgreesWithStore(*context);
 }
 
 /// Changes here and elsewhere in any order, from the first moments of loading on.
