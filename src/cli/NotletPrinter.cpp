@@ -68,8 +68,7 @@ std::string withReplaced(std::string_view text, std::string_view from, std::stri
 }
 
 /// The first line on one line of output, whatever is in it.
-std::string flatFirstLine(std::string_view text) {
-  std::string flat;
+void appendFlatFirstLine(std::string& flat, std::string_view text) {
   std::size_t done = 0;
   std::size_t position = 0;
   while (position < text.size() && text[position] != '\n' && text[position] != '\r') {
@@ -84,7 +83,7 @@ std::string flatFirstLine(std::string_view text) {
     }
     position += next.length;
   }
-  return flat.append(text.substr(done, position - done));
+  flat.append(text.substr(done, position - done));
 }
 
 std::size_t cellsOf(char32_t character) {
@@ -107,6 +106,12 @@ std::string fitted(std::string_view line, std::size_t width, bool hasMore) {
   if (!hasMore)
     return std::string(line);
   return std::string(line.substr(0, cells < width ? line.size() : roomForEllipsis)).append(ellipsis);
+}
+
+std::string beginOfLine(const NotletEntry& notlet, std::string_view separator) {
+  std::string line = notlet.id.text();
+  line.resize(shortIdLength);
+  return line.append(separator).append(localText(notlet.createdAt)).append(separator);
 }
 
 } // namespace
@@ -144,15 +149,19 @@ std::string markdown(const NotletEntry& notlet) {
 
 std::string terminalLine(const NotletEntry& notlet, std::size_t width) {
   constexpr std::size_t narrowest = 20;
-  std::string line = notlet.id.text().substr(0, shortIdLength) + "  " + localText(notlet.createdAt) + "  ";
+  std::string line = beginOfLine(notlet, "  ");
   const std::size_t room = std::max(narrowest, width - std::min(width, line.size()));
   const bool hasMore = notlet.content.find_first_of("\r\n") != std::string::npos;
-  return line += fitted(flatFirstLine(notlet.content), room, hasMore);
+  std::string text;
+  appendFlatFirstLine(text, notlet.content);
+  return line += fitted(text, room, hasMore);
 }
 
 std::string pipeLine(const NotletEntry& notlet) {
-  return notlet.id.text().substr(0, shortIdLength) + "\t" + localText(notlet.createdAt) + "\t" +
-         flatFirstLine(notlet.content);
+  std::string line = beginOfLine(notlet, "\t");
+  line.reserve(line.size() + notlet.content.size());
+  appendFlatFirstLine(line, notlet.content);
+  return line;
 }
 
 } // namespace notlet::NotletPrinter

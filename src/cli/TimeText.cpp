@@ -120,11 +120,23 @@ std::string localText(Timestamp time) {
   // The system clock's own type ends in the year 2262.
   const std::time_t seconds = chrono::floor<chrono::seconds>(time).time_since_epoch().count();
   std::tm local{};
-  std::array<char, 64> text{};
-  if (::localtime_r(&seconds, &local) == nullptr ||
-      std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", &local) == 0)
+  if (::localtime_r(&seconds, &local) == nullptr)
     return utcText(time);
-  return text.data();
+  const int years = local.tm_year + 1900;
+  if (years < 0 || years > 9999)
+    return utcText(time);
+  // Long lists spend much of their time in what formats any format.
+  std::string text = "0000-00-00 00:00";
+  const auto put = [&](std::size_t end, int value) {
+    for (; value > 0; value /= 10)
+      text[--end] = static_cast<char>('0' + value % 10);
+  };
+  put(4, years);
+  put(7, local.tm_mon + 1);
+  put(10, local.tm_mday);
+  put(13, local.tm_hour);
+  put(16, local.tm_min);
+  return text;
 }
 
 } // namespace notlet

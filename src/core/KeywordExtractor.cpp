@@ -1,7 +1,6 @@
 #include "core/KeywordExtractor.h"
 
 #include <unicode/brkiter.h>
-#include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
 #include <algorithm>
@@ -22,12 +21,6 @@ icu::BreakIterator* wordIterator() {
   thread_local const std::unique_ptr<icu::BreakIterator> words(
       icu::BreakIterator::createWordInstance(icu::Locale::getRoot(), status));
   return words.get();
-}
-
-bool isLetterOrDigit(char32_t character) {
-  const auto value = static_cast<UChar32>(character);
-  return u_hasBinaryProperty(value, UCHAR_ALPHABETIC) != 0 ||
-         u_getIntPropertyValue(value, UCHAR_NUMERIC_TYPE) != U_NT_NONE;
 }
 
 bool holdsOnlyLettersAndDigits(std::string_view word) {

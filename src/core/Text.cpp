@@ -141,6 +141,12 @@ bool isWhiteSpace(char32_t character) {
   return u_isUWhiteSpace(static_cast<UChar32>(character)) != 0;
 }
 
+bool isLetterOrDigit(char32_t character) {
+  const auto value = static_cast<UChar32>(character);
+  return u_hasBinaryProperty(value, UCHAR_ALPHABETIC) != 0 ||
+         u_getIntPropertyValue(value, UCHAR_NUMERIC_TYPE) != U_NT_NONE;
+}
+
 std::string_view trimmed(std::string_view text) {
   while (!text.empty()) {
     const CodePoint first = firstCodePoint(text);

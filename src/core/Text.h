@@ -21,6 +21,9 @@ struct CodePoint {
 /// White space and newlines: the space separators (Zs, Zl, Zp), U+0009 to U+000D and U+0085.
 [[nodiscard]] bool isWhiteSpace(char32_t character);
 
+/// What words are made of: alphabetic characters and those with a numeric value.
+[[nodiscard]] bool isLetterOrDigit(char32_t character);
+
 /// The text without white space and newlines at both ends.
 [[nodiscard]] std::string_view trimmed(std::string_view text);
 

@@ -60,12 +60,10 @@ void appendLaterParts(char32_t composed, std::vector<std::string>& found) {
 constexpr std::array<std::pair<char32_t, std::string_view>, 3> strangersOfAscii{
     {{U'k', "\u212A"}, {U';', "\u037E"}, {U'`', "\u1FEF"}}};
 
-/// Whether a character folds to the same wherever it stands: no syllable, which grows with letters that
-/// follow, and no sigma.
-bool foldsAlikeEverywhere(char32_t character) {
-  const bool isHangul =
-      (character >= 0x1100 && character <= 0x11FF) || (character >= 0xAC00 && character <= 0xD7FF);
-  return !isHangul && character != U'σ' && character != U'ς';
+/// Whether a character is a letter of a syllable, with which neighbours make one character.
+bool isJamo(char32_t character) {
+  return (character >= 0x1100 && character <= 0x11FF) || (character >= 0xA960 && character <= 0xA97F) ||
+         (character >= 0xD7B0 && character <= 0xD7FF);
 }
 
 /// One character of the needle, which no mark follows there, with what it can come from.
@@ -95,7 +93,7 @@ struct Letter {
   }
 };
 
-bool isLetterOrDigit(char byte) {
+bool isAsciiLetterOrDigit(char byte) {
   return (byte >= '0' && byte <= '9') || (byte >= 'a' && byte <= 'z');
 }
 
@@ -115,7 +113,7 @@ std::optional<LetterPair> rarestPair(std::string_view small, std::string_view ca
   for (std::size_t index = 0; index + 1 < small.size(); ++index) {
     const char first = small[index];
     const char second = small[index + 1];
-    if (!isLetterOrDigit(first) || !isLetterOrDigit(second) || first == 'k' || second == 'k')
+    if (!isAsciiLetterOrDigit(first) || !isAsciiLetterOrDigit(second) || first == 'k' || second == 'k')
       continue;
     const int score = frequency(first) * (frequency(second) + atWordEnd);
     if (score < lowest)
@@ -165,7 +163,7 @@ TextSieve::TextSieve(std::string_view foldedNeedle) {
   m_isSure = m_small == foldedNeedle;
   for (std::string_view rest = foldedNeedle; m_isSure && !rest.empty();) {
     const CodePoint first = firstCodePoint(rest);
-    m_isSure = foldsAlikeEverywhere(first.value);
+    m_isSure = !isJamo(first.value);
     rest.remove_prefix(first.length);
   }
 }
@@ -176,20 +174,46 @@ bool TextSieve::holdsStranger(std::string_view text) const {
   });
 }
 
-/// Whether every character found at the place is one of the needle's, and the last is not part of another.
+bool TextSieve::holdsFirstLettersOrJoint(std::string_view text) const {
+  const std::string_view small = m_small;
+  const std::string_view capital = m_capital;
+  const std::size_t first = small.empty() ? 0 : firstCodePoint(small).length;
+  if (first == small.size())
+    return true;
+  const std::size_t second = firstCodePoint(small.substr(first)).length;
+  std::size_t place = findEither(text, small.substr(0, first), capital.substr(0, first));
+  for (; place != std::string_view::npos;
+       place = findEither(text, small.substr(0, first), capital.substr(0, first), place + 1)) {
+    const std::string_view behind = text.substr(place + first);
+    if (behind.starts_with(small.substr(first, second)) || behind.starts_with(capital.substr(first, second)))
+      return true;
+    if (behind.empty())
+      continue;
+    const char32_t next = firstCodePoint(behind).value;
+    if (!isWhiteSpace(next) && !isLetterOrDigit(next))
+      return true;
+  }
+  return holdsStranger(text);
+}
+
+/// Whether every character found at the place is one of the needle's, and none is part of another.
 bool TextSieve::standsForSure(std::string_view text, std::size_t place) const {
   if (!m_isSure)
     return false;
   for (std::size_t index = 0; index < m_small.size();) {
     const std::size_t length = firstCodePoint(std::string_view(m_small).substr(index)).length;
     const std::string_view found = text.substr(place + index, length);
-    if (found != std::string_view(m_small).substr(index, length) &&
-        found != std::string_view(m_capital).substr(index, length))
+    // What becomes of the capital sigma depends on the word.
+    const bool isCapital = found == std::string_view(m_capital).substr(index, length) && found != "Σ";
+    if (!isCapital && found != std::string_view(m_small).substr(index, length))
       return false;
     index += length;
   }
   const std::string_view behind = text.substr(place + m_small.size());
-  return behind.empty() || !isMark(firstCodePoint(behind).value);
+  if (behind.empty() || (behind.front() & 0x80) == 0)
+    return true;
+  const char32_t next = firstCodePoint(behind).value;
+  return !isMark(next) && !isJamo(next);
 }
 
 TextSieve::Verdict TextSieve::inText(std::string_view text) const {
@@ -206,6 +230,7 @@ TextSieve::Verdict TextSieve::inText(std::string_view text) const {
 TextSieve::Verdict TextSieve::amongWords(std::string_view packedWords) const {
   if (!m_isSure)
     return std::min(inText(packedWords), Verdict::Maybe);
+  Verdict verdict = holdsStranger(packedWords) ? Verdict::Maybe : Verdict::No;
   for (std::size_t place = findEither(packedWords, m_small, m_capital); place != std::string_view::npos;
        place = findEither(packedWords, m_small, m_capital, place + 1)) {
     const std::size_t end = place + m_small.size();
@@ -213,8 +238,10 @@ TextSieve::Verdict TextSieve::amongWords(std::string_view packedWords) const {
                         (end == packedWords.size() || packedWords[end] == '\n');
     if (isWord && standsForSure(packedWords, place))
       return Verdict::Yes;
+    if (isWord)
+      verdict = Verdict::Maybe;
   }
-  return holdsStranger(packedWords) ? Verdict::Maybe : Verdict::No;
+  return verdict;
 }
 
 } // namespace notlet

@@ -24,12 +24,13 @@ class TextSieve {
   /// False when neither the text nor any keyword or hashtag taken from it can hold the needle, which must be
   /// a word of letters and digits. It takes least time of all.
   [[nodiscard]] bool mayBeSpelledIn(std::string_view text) const {
-    return !m_rarestPair || holdsPairOrJoint(text, *m_rarestPair);
+    return m_rarestPair ? holdsPairOrJoint(text, *m_rarestPair) : holdsFirstLettersOrJoint(text);
   }
   /// Whether one of the words folds to the needle; each but the last is followed by a newline.
   [[nodiscard]] Verdict amongWords(std::string_view packedWords) const;
 
  private:
+  [[nodiscard]] bool holdsFirstLettersOrJoint(std::string_view text) const;
   [[nodiscard]] bool holdsStranger(std::string_view text) const;
   [[nodiscard]] bool standsForSure(std::string_view text, std::size_t place) const;
 

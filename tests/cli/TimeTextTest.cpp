@@ -29,6 +29,7 @@ TEST(TimeTextTest, writesTheLocalTimeOfAnyYear) {
   tzset();
   EXPECT_EQ(localText(parseTime("2300-07-01T00:00:00Z").value()), "2300-06-30 20:00");
   EXPECT_EQ(localText(parseTime("1000-01-01T05:00:59Z").value()), "1000-01-01 00:00");
+  EXPECT_EQ(localText(Timestamp::max()), "9999-12-31T23:59:59.999999Z");
   unsetenv("TZ");
   tzset();
 }

@@ -61,9 +61,13 @@ TEST(TextSieveTest, AWordIsFoundAmongWordsAsAWhole) {
     std::string_view words, needle;
     Verdict expected;
   } const cases[] = {
-      {"Work\nhome\n", "work", Verdict::Yes},      {"Work\nhome\n", "home", Verdict::Yes},
-      {"homework\nwork-1\n", "work", Verdict::No}, {"wor\u212A\n", "work", Verdict::Maybe},
-      {"ПРИВЕТ\n", "привет", Verdict::Yes},        {"", "work", Verdict::No},
+      {"Work\nhome\n", "work", Verdict::Yes},
+      {"Work\nhome\n", "home", Verdict::Yes},
+      {"homework\nwork-1\n", "work", Verdict::No},
+      {"wor\u212A\n", "work", Verdict::Maybe},
+      {"ПРИВЕТ\n", "привет", Verdict::Yes},
+      {"ΟΔΟΣ\n", "οδος", Verdict::Maybe},
+      {"", "work", Verdict::No},
   };
   for (const auto& [words, needle, expected] : cases)
     EXPECT_EQ(TextSieve(needle).amongWords(words), expected) << needle << " among " << words;
