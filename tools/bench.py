@@ -37,6 +37,15 @@ ARCHIVE = (
 )
 
 
+# What finds notlets on the command line, beside the plainest way to find a word in the store.
+FINDING = {
+    "sqlite3, LIKE": ["sqlite3", "STORE", "SELECT content FROM NotletEntry WHERE content LIKE '%printer%'"],
+    "notlet search printer": ["NOTLET", "search", "printer"],
+    "notlet search встреча": ["NOTLET", "search", "встреча"],
+    "notlet list --tag work": ["NOTLET", "list", "--tag", "work"],
+}
+
+
 def machine():
     with open("/proc/cpuinfo") as info:
         models = [line.split(":", 1)[1].strip() for line in info if line.startswith("model name")]
@@ -173,6 +182,28 @@ class Windows:
             print(f"| {name} | {first:.1f} ms | {later:.1f} ms | {max(row[1] for row in rows):.1f} ms "
                   f"| {later / floor:.2f} | {key:.1f} ms |")
 
+    def print_command_line(self, runs):
+        print("\n### Finding from the command line: processor time of the whole process\n")
+        print("| What | " + " | ".join(f"{size:,} notlets" for size in SIZES[1:]) + " |")
+        print("|---|" + "---:|" * len(SIZES[1:]))
+        rows = {title: [] for title in FINDING}
+        for size in SIZES[1:]:
+            home = self.programs[f"{size:,} notlets"][2]
+            store = home / ".local/share/notlet/Notlet.store"
+            words = {"STORE": str(store), "NOTLET": str(self.build / "bin" / "notlet")}
+            times = {title: [] for title in FINDING}
+            for run in range(runs + 1):
+                for title, command in FINDING.items():
+                    spent = processor_time([words.get(word, word) for word in command], self.environment(home))
+                    if run:  # The first round warms the caches up.
+                        times[title].append(spent)
+            floor = statistics.median(times["sqlite3, LIKE"])
+            for title, spent in times.items():
+                median = statistics.median(spent)
+                rows[title].append(f"{median:.1f} ms, {median / floor:.2f}")
+        for title, row in rows.items():
+            print(f"| {title} | " + " | ".join(row) + " |")
+
     def print_archive(self, runs):
         print("\n### In the archive, from a key to the changed list: first and last picture\n")
         names = [f"{size:,} notlets" for size in SIZES if size >= 100_000]
@@ -223,6 +254,16 @@ class Windows:
             started.wait()
 
 
+def processor_time(command, environment):
+    """Milliseconds that a program computes, in itself and in the system on its behalf."""
+    with subprocess.Popen(command, env=environment, stdout=subprocess.DEVNULL) as child:
+        _, status, usage = os.wait4(child.pid, 0)
+        child.returncode = os.waitstatus_to_exitcode(status)
+    if child.returncode != 0:
+        sys.exit(f"bench: {command[0]} failed")
+    return (usage.ru_utime + usage.ru_stime) * 1000
+
+
 def memory(pid):
     """Resident and private kilobytes."""
     fields = {}
@@ -259,6 +300,7 @@ def main():
             windows.print_times(3 if quick else 15)
             windows.print_quick_capture(3 if quick else 10)
             windows.print_archive(2 if quick else 5)
+            windows.print_command_line(3 if quick else 9)
             windows.print_resources()
         finally:
             windows.display.close()
