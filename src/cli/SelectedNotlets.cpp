@@ -88,10 +88,12 @@ CommandResult<void> writeSelected(CommandStore& store, const Selection& selectio
         break;
       continue;
     }
-    const CommandResult<std::optional<NotletEntry>> notlet = store.find(each.position.id);
-    if (!notlet)
-      return std::unexpected(notlet.error());
-    if (*notlet && selection.holds(**notlet) && !writeOne(print(**notlet)))
+    CommandResult<std::optional<NotletEntry>> stored = store.find(each.position.id);
+    if (!stored)
+      return std::unexpected(stored.error());
+    // It may have been edited or deleted since.
+    const std::optional<NotletEntry> notlet = std::move(*stored);
+    if (notlet && selection.holds(*notlet) && !writeOne(print(*notlet)))
       break;
   }
   return {};
