@@ -19,9 +19,17 @@ using nlohmann::json;
 constexpr std::size_t shortIdLength = 8;
 constexpr std::string_view ellipsis = "…";
 
-/// Whether a control or a bidirectional control may begin with this byte; few characters have one of these.
+/// Whether a control or a bidirectional control may begin with a byte; few characters have one of these.
+constexpr auto beginsControls = [] {
+  std::array<bool, 256> begins{};
+  std::fill_n(begins.begin(), ' ', true);
+  for (const std::size_t byte : {0x7fU, 0xc2U, 0xe2U})
+    begins[byte] = true;
+  return begins;
+}();
+
 bool mayBeginControl(char byte) {
-  return (byte >= 0 && byte < ' ') || byte == '\x7f' || byte == '\xc2' || byte == '\xe2';
+  return beginsControls[static_cast<unsigned char>(byte)];
 }
 
 json object(const NotletEntry& notlet) {
@@ -109,8 +117,12 @@ std::string fitted(std::string_view line, std::size_t width, bool hasMore) {
 }
 
 std::string beginOfLine(const NotletEntry& notlet, std::string_view separator) {
-  std::string line = notlet.id.text();
-  line.resize(shortIdLength);
+  constexpr std::string_view digits = "0123456789ABCDEF";
+  std::string line;
+  for (std::size_t index = 0; index < shortIdLength / 2; ++index) {
+    line.push_back(digits[notlet.id.bytes[index] >> 4U]);
+    line.push_back(digits[notlet.id.bytes[index] & 0xfU]);
+  }
   return line.append(separator).append(localText(notlet.createdAt)).append(separator);
 }
 

@@ -1,6 +1,7 @@
 #include "cli/SelectedNotlets.h"
 
 #include <algorithm>
+#include <deque>
 #include <limits>
 #include <vector>
 
@@ -16,17 +17,16 @@ class FoundNotlets {
  public:
   struct Found {
     ListPosition position;
-    std::size_t begin = 0;
-    std::size_t length = notPrinted;
+    /// Nothing when there was no room.
+    std::optional<std::string_view> printed;
   };
 
   explicit FoundNotlets(std::size_t room) : m_room(room) {}
 
-  [[nodiscard]] bool hasRoom() const { return m_texts.size() < m_room; }
-  void add(const ListPosition& position) { m_found.push_back({.position = position}); }
+  [[nodiscard]] bool hasRoom() const { return m_kept < m_room; }
+  void add(const ListPosition& position) { m_found.push_back({position, std::nullopt}); }
   void add(const ListPosition& position, std::string_view printed) {
-    m_found.push_back({position, m_texts.size(), printed.size()});
-    m_texts += printed;
+    m_found.push_back({position, keep(printed)});
   }
 
   /// Newest first. What was written anew meanwhile may have been found twice; the later stays.
@@ -43,17 +43,21 @@ class FoundNotlets {
     return m_found;
   }
 
-  [[nodiscard]] std::optional<std::string_view> printed(const Found& found) const {
-    if (found.length == notPrinted)
-      return std::nullopt;
-    return std::string_view(m_texts).substr(found.begin, found.length);
+ private:
+  /// In blocks: one text that grows to tens of megabytes would be copied over and over.
+  std::string_view keep(std::string_view text) {
+    constexpr std::size_t usualBlock = 1 << 20;
+    if (m_blocks.empty() || m_blocks.back().capacity() - m_blocks.back().size() < text.size())
+      m_blocks.emplace_back().reserve(std::max(usualBlock, text.size()));
+    m_kept += text.size();
+    std::string& block = m_blocks.back();
+    block.append(text);
+    return std::string_view(block).substr(block.size() - text.size());
   }
 
- private:
-  static constexpr std::size_t notPrinted = std::numeric_limits<std::size_t>::max();
-
   std::size_t m_room;
-  std::string m_texts;
+  std::size_t m_kept = 0;
+  std::deque<std::string> m_blocks;
   std::vector<Found> m_found;
 };
 
@@ -83,8 +87,8 @@ CommandResult<void> writeSelected(CommandStore& store, const Selection& selectio
   if (!scanned)
     return scanned;
   for (const FoundNotlets::Found& each : found.inListOrder()) {
-    if (const std::optional<std::string_view> printed = found.printed(each)) {
-      if (!writeOne(*printed))
+    if (each.printed) {
+      if (!writeOne(*each.printed))
         break;
       continue;
     }
