@@ -44,7 +44,7 @@ void ArchiveBrowser::beginEditing(const Uuid& id) {
   const NotletEntry* notlet = list().find(id);
   if (notlet == nullptr)
     return;
-  openEditor(id, notlet->content);
+  openEditor(id, notlet->content.str());
 }
 
 void ArchiveBrowser::setEditDraft(std::string draft) {

@@ -163,7 +163,7 @@ std::string terminalLine(const NotletEntry& notlet, std::size_t width) {
   constexpr std::size_t narrowest = 20;
   std::string line = beginOfLine(notlet, "  ");
   const std::size_t room = std::max(narrowest, width - std::min(width, line.size()));
-  const bool hasMore = notlet.content.find_first_of("\r\n") != std::string::npos;
+  const bool hasMore = notlet.content.view().find_first_of("\r\n") != std::string_view::npos;
   std::string text;
   appendFlatFirstLine(text, notlet.content);
   return line += fitted(text, room, hasMore);

@@ -62,7 +62,7 @@ std::optional<std::size_t> beginOfHashtagInProgress(std::string_view text) {
 } // namespace
 
 WordList parse(std::string_view text) {
-  WordList tags;
+  WordList::Builder tags;
   std::unordered_set<std::string> seen;
   for (std::size_t begin = text.find('#'); begin != std::string_view::npos;
        begin = text.find('#', begin + 1)) {
@@ -72,7 +72,7 @@ WordList parse(std::string_view text) {
     if (!tag.empty() && seen.insert(folded(tag)).second)
       tags.append(tag);
   }
-  return tags;
+  return tags.list();
 }
 
 std::optional<std::string> inProgressHashtag(std::string_view text) {

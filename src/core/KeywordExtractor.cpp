@@ -110,7 +110,7 @@ WordList extractDottedKeywords(std::string_view text, const StopWords& stopWords
 }
 
 WordList extractKeywords(std::string_view text, const StopWords& stopWords) {
-  WordList keywords;
+  WordList::Builder keywords;
   std::unordered_set<std::string> seen;
   tokenize(text, [&](const std::string& token) {
     std::string key = folded(token);
@@ -119,7 +119,7 @@ WordList extractKeywords(std::string_view text, const StopWords& stopWords) {
     if (seen.insert(std::move(key)).second)
       keywords.append(token);
   });
-  return keywords;
+  return keywords.list();
 }
 
 std::vector<std::string> extractSearchTerms(std::string_view text, const StopWords& stopWords) {

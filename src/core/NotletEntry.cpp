@@ -40,7 +40,7 @@ std::size_t findByItself(std::string_view text, std::string_view word, std::size
 } // namespace
 
 WordList keywordsBeyondText(std::string_view text, WordList::View keywords) {
-  WordList beyond;
+  WordList::Builder beyond;
   std::size_t from = 0;
   for (const std::string_view word : keywords) {
     // They come in the order of the text.
@@ -52,7 +52,7 @@ WordList keywordsBeyondText(std::string_view text, WordList::View keywords) {
     else
       from = found + word.size();
   }
-  return beyond;
+  return beyond.list();
 }
 
 std::optional<NotletEntry> makeNotlet(std::string_view text, Timestamp now) {

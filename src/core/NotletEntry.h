@@ -1,9 +1,9 @@
 #pragma once
 
 #include <optional>
-#include <string>
 #include <string_view>
 
+#include "core/CompactText.h"
 #include "core/Timestamp.h"
 #include "core/Uuid.h"
 #include "core/WordList.h"
@@ -14,7 +14,7 @@ namespace notlet {
 struct NotletEntry {
   Uuid id;
   /// UTF-8, trimmed, never empty.
-  std::string content;
+  CompactText content;
   Timestamp createdAt{};
   /// Set by the last successful edit.
   std::optional<Timestamp> updatedAt;
@@ -25,6 +25,8 @@ struct NotletEntry {
 
   bool operator==(const NotletEntry&) const = default;
 };
+// A million of them are in memory.
+static_assert(sizeof(NotletEntry) <= 64);
 
 /// A new notlet of typed text; nothing when the text is empty after trimming.
 [[nodiscard]] std::optional<NotletEntry> makeNotlet(std::string_view text, Timestamp now);

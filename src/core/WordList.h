@@ -8,12 +8,14 @@
 #include <string_view>
 #include <vector>
 
+#include "core/CompactText.h"
+
 namespace notlet {
 
-/// An ordered list of words without newlines (hashtags, keywords), packed into one string.
+/// An ordered list of words without newlines (hashtags, keywords), packed into one text.
 ///
 /// An archive holds a dozen words for each of a hundred thousand notlets; one allocation for all words of a
-/// notlet takes a quarter of what a vector of strings takes.
+/// notlet takes a quarter of what a vector of strings takes. A list does not grow: a Builder makes it.
 class WordList {
  public:
   class Iterator {
@@ -58,30 +60,35 @@ class WordList {
   using iterator = Iterator;
   using const_iterator = Iterator;
 
+  class Builder {
+   public:
+    /// Adds a word at the end; it must not be empty nor hold a newline.
+    void append(std::string_view word) { m_packed.append(word).push_back('\n'); }
+    [[nodiscard]] WordList list() const { return fromPacked(m_packed); }
+
+   private:
+    std::string m_packed;
+  };
+
   WordList() = default;
   WordList(std::initializer_list<std::string_view> words) {
+    Builder builder;
     for (const std::string_view word : words)
-      append(word);
-  }
-  explicit WordList(const std::vector<std::string>& words) {
-    for (const std::string& word : words)
-      append(word);
-    m_packed.shrink_to_fit();
+      builder.append(word);
+    *this = builder.list();
   }
   /// Takes the form that packed() gives back; the last word's newline may be missing.
-  [[nodiscard]] static WordList fromPacked(std::string packed) {
+  [[nodiscard]] static WordList fromPacked(std::string_view packed) {
     WordList list;
-    list.m_packed = std::move(packed);
-    if (!list.m_packed.empty() && list.m_packed.back() != '\n')
-      list.m_packed.push_back('\n');
+    if (packed.empty() || packed.back() == '\n')
+      list.m_packed = packed;
+    else
+      list.m_packed = std::string(packed) + '\n';
     return list;
   }
 
-  /// Adds a word at the end; it must not be empty nor hold a newline.
-  void append(std::string_view word) { m_packed.append(word).push_back('\n'); }
-
   /// All words, each followed by a newline: the form in which the store keeps the list.
-  [[nodiscard]] const std::string& packed() const { return m_packed; }
+  [[nodiscard]] std::string_view packed() const { return m_packed; }
   [[nodiscard]] View view() const { return {m_packed}; }
   [[nodiscard]] bool empty() const { return m_packed.empty(); }
   [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(std::distance(begin(), end())); }
@@ -92,7 +99,7 @@ class WordList {
   bool operator==(const WordList&) const = default;
 
  private:
-  std::string m_packed;
+  CompactText m_packed;
 };
 
 } // namespace notlet

@@ -61,14 +61,14 @@ std::optional<NotletEntry> readWithoutKeywords(const SqliteStatement& statement)
   entry.createdAt = timestamp(statement.integer(2));
   if (!statement.isNull(3))
     entry.updatedAt = timestamp(statement.integer(3));
-  entry.hashtags = WordList::fromPacked(std::string(statement.text(4)));
+  entry.hashtags = WordList::fromPacked(statement.text(4));
   return entry;
 }
 
 std::optional<NotletEntry> readEntry(const SqliteStatement& statement) {
   std::optional<NotletEntry> entry = readWithoutKeywords(statement);
   if (entry)
-    entry->keywords = WordList::fromPacked(std::string(statement.text(5)));
+    entry->keywords = WordList::fromPacked(statement.text(5));
   return entry;
 }
 

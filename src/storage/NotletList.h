@@ -38,11 +38,12 @@ class NotletList {
 
   [[nodiscard]] Order::const_iterator placeInOrder(Timestamp createdAt, const Uuid& id) const;
 
-  static Uuid idOf(const Uuid& id) { return id; }
-  static Uuid idOf(const NotletEntry& entry) { return entry.id; }
+  static Uuid idOf(const Uuid& id) noexcept { return id; }
+  static Uuid idOf(const NotletEntry& entry) noexcept { return entry.id; }
+  // Quick and without exceptions, so that the table does not keep a hash beside each notlet.
   struct IdHash {
     using is_transparent = void;
-    std::size_t operator()(const auto& object) const { return std::hash<Uuid>()(idOf(object)); }
+    std::size_t operator()(const auto& object) const noexcept { return std::hash<Uuid>()(idOf(object)); }
   };
   struct IdEqual {
     using is_transparent = void;

@@ -28,7 +28,7 @@ class ArchiveBrowserTest : public ArchiveFixture {
 
   [[nodiscard]] std::string selectedText() const {
     const NotletEntry* notlet = browser->selectedNotlet();
-    return notlet ? notlet->content : "-";
+    return notlet ? notlet->content.str() : "-";
   }
 
  private:

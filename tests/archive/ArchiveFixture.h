@@ -48,7 +48,7 @@ class ArchiveFixture : public StoreFixture {
   /// The text of a stored notlet, as another process reads it; empty when there is none.
   [[nodiscard]] std::string storedText(const Uuid& id) const {
     const auto found = openStore()->find(id);
-    return found && *found ? (*found)->content : std::string();
+    return found && *found ? (*found)->content.str() : std::string();
   }
   void changeElsewhere(const Uuid& id, const std::string& content) const {
     NotletEntry changed = *context->find(id);
@@ -58,7 +58,7 @@ class ArchiveFixture : public StoreFixture {
   [[nodiscard]] std::vector<std::string> results() const {
     std::vector<std::string> contents;
     for (std::size_t position = 0; position < browser->resultCount(); ++position)
-      contents.push_back(browser->resultAt(position).content);
+      contents.push_back(browser->resultAt(position).content.str());
     return contents;
   }
 

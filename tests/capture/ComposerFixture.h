@@ -32,7 +32,7 @@ class ComposerFixture : public testing::Test {
   [[nodiscard]] std::vector<std::string> contents() const {
     std::vector<std::string> texts;
     for (std::size_t index = 0; index < context.size(); ++index)
-      texts.push_back(context.at(index).content);
+      texts.push_back(context.at(index).content.str());
     return texts;
   }
   /// Leaves a draft that the next composer cannot read.

@@ -35,7 +35,7 @@ TEST(QuerySieveTest, agreesWithTheSelection) {
     NotletEntry notlet = makeNotlet(random.text(8) + "x", Timestamp{}).value();
     if (random.oneIn(4))
       notlet.keywords = {}; // Cut by other rules.
-    const std::string query = anyQuery(random, notlet.content);
+    const std::string query = anyQuery(random, notlet.content.str());
     std::vector<std::string> tags;
     if (random.oneIn(8) && !notlet.hashtags.empty())
       tags.emplace_back(*notlet.hashtags.begin());
@@ -44,8 +44,8 @@ TEST(QuerySieveTest, agreesWithTheSelection) {
     QuerySieve sieve(*selection);
     const bool isHeld = selection->holds(notlet);
     const bool isAdmitted = admits(sieve, notlet);
-    ASSERT_TRUE(isAdmitted || !isHeld) << query << " in " << notlet.content;
-    ASSERT_TRUE(isHeld || !isAdmitted || !sieve.isCertain()) << query << " in " << notlet.content;
+    ASSERT_TRUE(isAdmitted || !isHeld) << query << " in " << notlet.content.view();
+    ASSERT_TRUE(isHeld || !isAdmitted || !sieve.isCertain()) << query << " in " << notlet.content.view();
     held += isHeld ? 1 : 0;
     passedOver += isAdmitted ? 0 : 1;
   }

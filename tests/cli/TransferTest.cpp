@@ -50,7 +50,7 @@ TEST_F(TransferTest, carriesEveryByteToAnotherStore) {
   EXPECT_EQ(names(), std::vector<std::string>{"archive.json"});
   for (const NotletEntry& notlet : randomNotlets(5, 4)) {
     store(there, {notlet});
-    EXPECT_EQ(there.succeed({"show", notlet.id.text()}).output, notlet.content + "\n");
+    EXPECT_EQ(there.succeed({"show", notlet.id.text()}).output, notlet.content.str() + "\n");
   }
 }
 

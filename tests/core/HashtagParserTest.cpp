@@ -65,7 +65,7 @@ class WholeTextRule {
  public:
   WordList parse(const std::string& text) {
     const icu::UnicodeString wide = icu::UnicodeString::fromUTF8(text);
-    WordList tags;
+    WordList::Builder tags;
     std::vector<std::string> seen;
     m_tag.reset(wide);
     while (m_tag.find(m_status)) {
@@ -75,7 +75,7 @@ class WholeTextRule {
       seen.push_back(folded(tag));
       tags.append(tag);
     }
-    return tags;
+    return tags.list();
   }
 
   std::optional<std::string> inProgress(const std::string& text) {

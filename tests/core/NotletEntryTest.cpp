@@ -32,6 +32,29 @@ TEST(NotletEntryTest, ATextOfWhiteSpaceMakesNothing) {
     EXPECT_FALSE(makeNotlet(text, noon)) << testing::PrintToString(text);
 }
 
+TEST(NotletEntryTest, ATextIsKeptByteForByteThroughCopiesAndMoves) {
+  for (const std::string& bytes :
+       {std::string(), std::string("a"), std::string("a\0b\0", 4), std::string(100'000, '\xFF')}) {
+    const CompactText text(bytes);
+    EXPECT_EQ(text.str(), bytes);
+    EXPECT_EQ(text.empty(), bytes.empty());
+    EXPECT_FALSE(text == bytes + '\0');
+
+    CompactText copy = text;
+    const CompactText& itself = copy;
+    copy = itself;
+    EXPECT_EQ(copy, text);
+    CompactText taken = std::move(copy);
+    copy = "other";
+    std::swap(copy, taken);
+    EXPECT_EQ(copy, bytes);
+    EXPECT_EQ(taken, "other");
+    copy = copy.view().substr(bytes.size() / 2);
+    EXPECT_EQ(copy, bytes.substr(bytes.size() / 2));
+    EXPECT_EQ(text, bytes);
+  }
+}
+
 TEST(NotletEntryTest, AnEditRecomputesWhatIsDerived) {
   auto notlet = makeNotlet("buy milk #shop", noon).value();
   const Uuid id = notlet.id;

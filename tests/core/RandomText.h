@@ -39,7 +39,7 @@ class RandomText {
   NotletEntry notlet() {
     auto entry = makeNotlet(text(12) + "x", Timestamp(std::chrono::seconds(below(40)))).value();
     if (oneIn(4))
-      entry.hashtags.append(word());
+      entry.hashtags = WordList::fromPacked(std::string(entry.hashtags.packed()).append(word()));
     if (oneIn(4))
       entry.keywords = {word()};
     return entry;

@@ -128,7 +128,7 @@ class ChangingArchive {
     if (m_random.oneIn(3))
       return m_random.text(3);
     const auto& notlet = m_notlets[m_random.below(m_notlets.size())];
-    const std::string text = notlet ? notlet->content : std::string("gone");
+    const std::string text = notlet ? notlet->content.str() : std::string("gone");
     // A piece of a text, cut anywhere, even inside a character.
     const std::string piece = text.substr(m_random.below(text.size()), 1 + m_random.below(9));
     return m_random.oneIn(2) ? piece : folded(piece);

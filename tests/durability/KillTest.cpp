@@ -144,7 +144,7 @@ TEST_F(KillTest, twoProcessesWriteAtOnceAndTheListFollows) {
     isSaved = context.save().has_value();
   EXPECT_TRUE(isSaved);
 
-  Contents expected{{ours.id, ours.content}};
+  Contents expected{{ours.id, ours.content.str()}};
   for (WriterProcess* writer : {&first, &second}) {
     Contents confirmed;
     Contents attempted;

@@ -58,7 +58,7 @@ int run(const char* store, unsigned seed, int saves) {
     NotletEntry& chosen = mine[random() % mine.size()];
     if (kind < 8) {
       chosen.content = std::string(1 + random() % 6'000, static_cast<char>('a' + random() % 26));
-      tell("+" + chosen.id.text() + " " + chosen.content);
+      tell("+" + chosen.id.text() + " " + chosen.content.str());
       save(database, {.upserts = {&chosen}, .deletions = {}});
     } else {
       tell("-" + chosen.id.text());

@@ -412,14 +412,14 @@ TEST_F(ArchiveListTest, TextsOfMegabytesAreShownInBounds) {
     const std::string shown = shownText()->exactText().toStdString();
     EXPECT_GT(shown.size(), 50'000U);
     EXPECT_LE(shown.size(), MacArchiveRowWidget::mostShownBytes);
-    EXPECT_TRUE(context->find(ids[row])->content.starts_with(shown));
+    EXPECT_TRUE(context->find(ids[row])->content.view().starts_with(shown));
     EXPECT_GT(shownText()->verticalScrollBar()->maximum(), 0);
     EXPECT_EQ(shownText()->verticalScrollBar()->value(), 0);
     browser->beginEditing(ids[row]);
     settle();
     EXPECT_LE(heightOf(row), view().viewport()->height());
     QTest::keyClicks(editor(), QStringLiteral("!"));
-    EXPECT_EQ(state().editDraft, context->find(ids[row])->content + "!");
+    EXPECT_EQ(state().editDraft, context->find(ids[row])->content.str() + "!");
     browser->cancelEditing();
   }
 }
