@@ -23,7 +23,7 @@ std::string bringToDisk(const std::filesystem::path& file, const std::string& te
   if (text.empty()) {
     std::error_code error;
     std::filesystem::remove(file, error);
-    return error ? "The draft " + file.string() + " could not be removed: " + error.message() + "." : "";
+    return error ? "The draft “" + file.string() + "” could not be removed: " + error.message() + "." : "";
   }
   auto written = makePrivateDirectory(file.parent_path());
   if (written)
@@ -38,7 +38,7 @@ Error setAside(const std::filesystem::path& file, const std::string& reason) {
   other += ".unreadable-" + std::to_string(seconds);
   std::error_code error;
   std::filesystem::rename(file, other, error);
-  return Error{error ? reason : reason + " It was set aside as " + other.string() + "."};
+  return Error{error ? reason : reason + " It was set aside as “" + other.string() + "”."};
 }
 
 } // namespace
@@ -63,7 +63,7 @@ Result<std::string> DraftKeeper::restore() {
     return std::unexpected(setAside(file, contents.error().message));
   std::string text = std::move(*contents).value_or(std::string());
   if (!isValidUtf8(text))
-    return std::unexpected(setAside(file, "The draft " + file.string() + " is not UTF-8 text."));
+    return std::unexpected(setAside(file, "The draft “" + file.string() + "” is not UTF-8 text."));
   return text;
 }
 
