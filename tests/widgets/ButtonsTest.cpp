@@ -9,6 +9,7 @@
 #include "themes/AppThemeCatalog.h"
 #include "widgets/IconButton.h"
 #include "widgets/Motion.h"
+#include "widgets/NoticeBar.h"
 #include "widgets/TextButton.h"
 #include "widgets/ThemePalette.h"
 
@@ -51,6 +52,18 @@ TEST_F(ButtonsTest, KeysPressTheButtonWithTheFocus) {
     QTest::keyClick(button, Qt::Key_Return);
     EXPECT_THAT(clicks, SizeIs(3));
   }
+}
+
+TEST_F(ButtonsTest, ADismissedNoticeGivesTheKeyboardBack) {
+  NoticeBar notice(&window);
+  QObject::connect(&notice, &NoticeBar::dismissed, [&] { notice.setText({}); });
+  notice.setText(QStringLiteral("Something is wrong."));
+  auto* dismiss = notice.findChild<IconButton*>();
+  text->setFocus();
+  dismiss->setFocus(Qt::TabFocusReason);
+  QTest::keyClick(dismiss, Qt::Key_Space);
+  EXPECT_FALSE(notice.isVisible());
+  EXPECT_TRUE(text->hasFocus());
 }
 
 TEST_F(ButtonsTest, TabReachesThemAndClicksLeaveTheKeyboardWhereItIs) {
