@@ -154,16 +154,6 @@ MacArchiveRowWidget* ArchiveList::makeActiveRow() {
   return row;
 }
 
-bool ArchiveList::shows(const Uuid& id) const {
-  const auto row = isVisible() ? m_browser.resultIndexOf(id) : std::nullopt;
-  const auto rect = row ? m_view->rowRect(*row) : std::nullopt;
-  if (!rect)
-    return false;
-  constexpr QMargins margins = RowMeasures::cardMargins + RowMeasures::contentMargins;
-  const QRect firstLine(0, rect->top() + margins.top(), 1, fontMetrics().height());
-  return m_view->viewport()->rect().contains(firstLine);
-}
-
 bool ArchiveList::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::FocusIn) {
     const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();

@@ -22,9 +22,6 @@ class ArchiveList : public QWidget {
 
   [[nodiscard]] VirtualListView& view() const { return *m_view; }
 
-  /// Whether the beginning of the notlet's text is on the screen.
-  [[nodiscard]] bool shows(const Uuid& id) const;
-
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  Q_SIGNALS:

@@ -166,10 +166,9 @@ void MacArchiveView::renderDeleteConfirmation() {
     return over->reject();
   }
   const NotletEntry* notlet = m_browser.selectedNotlet();
-  const bool isSeen = notlet == nullptr || m_list->shows(notlet->id);
   m_deleteConfirmation =
       Alert::destructiveQuestion(this, tr("Delete this notlet?"), tr("This cannot be undone."), tr("Delete"),
-                                 isSeen ? QString() : tr("“%1”").arg(excerptOf(fromUtf8(notlet->content))));
+                                 notlet ? tr("“%1”").arg(excerptOf(fromUtf8(notlet->content))) : QString());
   connect(m_deleteConfirmation, &QDialog::finished, this, [this](int answer) {
     m_deleteConfirmation = nullptr;
     if (answer == QDialog::Accepted)
