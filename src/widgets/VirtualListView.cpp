@@ -133,7 +133,7 @@ void VirtualListView::renewWidgetHeight() {
   m_heights.set(m_widgetRow, height);
   if (height == m_widgetHeight)
     return;
-  const bool wasWholeInSight = isWholeInSight(m_widgetRow);
+  const bool wasWholeInSight = isWholeInSight(m_widgetRow, pageHeight());
   m_anchor = steadyAnchor();
   m_widgetHeight = height;
   if (m_glide && m_glide->goal.row == m_widgetRow)
@@ -156,9 +156,9 @@ bool VirtualListView::isOutOfSight(std::size_t row) const {
          m_visible.back().rect.bottom() >= pageHeight() - 1;
 }
 
-bool VirtualListView::isWholeInSight(std::size_t row) const {
+bool VirtualListView::isWholeInSight(std::size_t row, int page) const {
   const auto rect = rowRect(row);
-  return rect && rect->top() >= 0 && rect->bottom() < pageHeight();
+  return rect && rect->top() >= 0 && rect->bottom() < page;
 }
 
 void VirtualListView::rowsInserted(std::size_t first, std::size_t count) {
@@ -348,12 +348,15 @@ void VirtualListView::paintFocus(QPainter& painter) const {
   ThemedButton::paintFocusRing(painter, viewport()->rect().adjusted(2, 2, -2, -2), 10, quiet);
 }
 
-void VirtualListView::resizeEvent(QResizeEvent*) {
+void VirtualListView::resizeEvent(QResizeEvent* event) {
+  const bool wasWholeInSight = m_widget && isWholeInSight(m_widgetRow, event->oldSize().height());
   if (rowWidth() != m_measuredWidth)
     changeWidth();
   if (m_glide)
     return scrollToCentre(m_glide->goal.row, true);
   moveTo(m_anchor);
+  if (wasWholeInSight)
+    scrollIntoView(m_widgetRow, QRect(0, 0, 1, m_widgetHeight));
 }
 
 } // namespace notlet

@@ -79,7 +79,7 @@ class VirtualListView : public QAbstractScrollArea {
 
   /// Shows the widget in place of a row and takes it over; a former one is deleted later. It is as wide as
   /// the list and as high as its heightForWidth() or sizeHint() says, and goes when its row is removed. While
-  /// it is wholly in sight, it stays so when it grows.
+  /// it is wholly in sight, it stays so when it grows or the list gets lower.
   void setRowWidget(std::size_t row, QWidget* widget);
   void clearRowWidget();
   [[nodiscard]] QWidget* rowWidget() const { return m_widget; }
@@ -147,7 +147,7 @@ class VirtualListView : public QAbstractScrollArea {
   void estimateHeights();
   void extendSample();
   [[nodiscard]] bool isOutOfSight(std::size_t row) const;
-  [[nodiscard]] bool isWholeInSight(std::size_t row) const;
+  [[nodiscard]] bool isWholeInSight(std::size_t row, int page) const;
   /// The same place told from the first visible row, and no further than the ends of the list.
   [[nodiscard]] Anchor clamped(Anchor anchor);
   [[nodiscard]] Anchor atFirstVisible(Anchor anchor);

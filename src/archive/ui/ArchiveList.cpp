@@ -155,12 +155,24 @@ MacArchiveRowWidget* ArchiveList::makeActiveRow() {
 }
 
 bool ArchiveList::eventFilter(QObject* watched, QEvent* event) {
+  // Suggestions come and go.
+  if (event->type() == QEvent::ChildAdded)
+    static_cast<QChildEvent*>(event)->child()->installEventFilter(this);
   if (event->type() == QEvent::FocusIn) {
     const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-    if (reason == Qt::MouseFocusReason || reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason)
+    const bool isByTab = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason;
+    if (isByTab)
+      showControl(qobject_cast<QWidget*>(watched));
+    if (isByTab || reason == Qt::MouseFocusReason)
       Q_EMIT entered();
   }
   return QWidget::eventFilter(watched, event);
+}
+
+void ArchiveList::showControl(const QWidget* control) {
+  const auto row = m_view->widgetRow();
+  if (row && m_activeRow && m_activeRow->isAncestorOf(control))
+    m_view->scrollIntoView(*row, m_activeRow->keyboardPart(control));
 }
 
 void ArchiveList::takeKeyboardFromRow() {

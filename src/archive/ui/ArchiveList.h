@@ -39,6 +39,8 @@ class ArchiveList : public QWidget {
   void renderActiveRow(std::size_t row, const NotletEntry& notlet);
   void renderContent(const NotletEntry& notlet);
   [[nodiscard]] MacArchiveRowWidget* makeActiveRow();
+  /// Of the active row, once it has the keyboard.
+  void showControl(const QWidget* control);
   /// The keyboard must not be left with what is about to be hidden.
   void takeKeyboardFromRow();
 

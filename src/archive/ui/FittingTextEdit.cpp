@@ -97,6 +97,8 @@ void FittingTextEdit::resizeEvent(QResizeEvent* event) {
   const bool isWhole = height() >= textHeight(width());
   setVerticalScrollBarPolicy(isWhole ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
   ExactTextEdit::resizeEvent(event);
+  if (hasFocus())
+    ensureCursorVisible();
 }
 
 void FittingTextEdit::changeEvent(QEvent* event) {

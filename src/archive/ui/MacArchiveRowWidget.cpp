@@ -178,6 +178,13 @@ void MacArchiveRowWidget::focusEditorNextTurn() {
 
 void MacArchiveRowWidget::focusEditor() {
   m_editor->setFocus(Qt::OtherFocusReason);
+  m_editor->edit().ensureCursorVisible();
+  reportCaret(&m_editor->edit());
+}
+
+QRect MacArchiveRowWidget::keyboardPart(const QWidget* control) const {
+  const auto* edit = qobject_cast<const FittingTextEdit*>(control);
+  return (edit ? edit->caretRect() : control->rect()).translated(control->mapTo(this, QPoint()));
 }
 
 void MacArchiveRowWidget::setPageHeight(int height) {
@@ -202,7 +209,7 @@ void MacArchiveRowWidget::orderAfter(QWidget* before) {
 
 void MacArchiveRowWidget::reportCaret(const FittingTextEdit* edit) {
   if (edit->hasFocus())
-    Q_EMIT caretMoved(edit->caretRect().translated(edit->mapTo(this, QPoint())));
+    Q_EMIT caretMoved(keyboardPart(edit));
 }
 
 bool MacArchiveRowWidget::eventFilter(QObject* watched, QEvent* event) {

@@ -54,6 +54,9 @@ class MacArchiveRowWidget : public QWidget {
   /// Gives the controls their place after `before` in the order of Tab.
   void orderAfter(QWidget* before);
 
+  /// What the user has to see of the row while this control of it has the keyboard.
+  [[nodiscard]] QRect keyboardPart(const QWidget* control) const;
+
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  Q_SIGNALS:

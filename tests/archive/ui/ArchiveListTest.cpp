@@ -214,6 +214,21 @@ TEST_F(ArchiveListTest, AnEditorOpensAndGrowsInSight) {
   }
 }
 
+TEST_F(ArchiveListTest, TheCaretOfAnOpeningEditorIsInSight) {
+  show({"above", longText});
+  list->resize(320, 160);
+  browser->select(ids[1]);
+  settle();
+  browser->beginEditing(ids[1]);
+  const auto isCaretSeen = [&] {
+    settle();
+    const QRect caret = editor()->caretRect();
+    return editor()->hasFocus() && editor()->rect().contains(caret) &&
+           view().viewport()->rect().contains(caret.translated(editor()->mapTo(view().viewport(), QPoint())));
+  };
+  EXPECT_TRUE(QTest::qWaitFor(isCaretSeen));
+}
+
 // An editor that opens at the end of a text must not push the text's lines out of sight sideways.
 TEST_F(ArchiveListTest, NoLineOfTheEditorIsCutOff) {
   show({std::string(70, 'w')});
@@ -347,15 +362,17 @@ TEST_F(ArchiveListTest, AClickIntoTheTextOfTheActiveRowIsAClickOnTheRow) {
   EXPECT_EQ(state().keyboardSection, MacArchiveKeyboardSection::results);
 }
 
-TEST_F(ArchiveListTest, TabWalksThroughTheActiveRowInVisualOrder) {
+TEST_F(ArchiveListTest, TabWalksThroughTheActiveRowInVisualOrderAndInSight) {
   show({"first #tag", "second #work"});
   clickRow(0);
   view().setFocus();
+  list->resize(500, 90);
   const auto walk = [&](std::size_t steps) {
     QStringList names;
     for (std::size_t step = 0; step < steps; ++step) {
       QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
       const auto* button = qobject_cast<QAbstractButton*>(QApplication::focusWidget());
+      EXPECT_FALSE(button && button->visibleRegion().isEmpty()) << qPrintable(button->text());
       const QString name = QApplication::focusWidget()->accessibleName();
       names.append(name.isEmpty() && button ? button->text() : name);
     }
