@@ -36,10 +36,10 @@ bool isTyping(const QKeyEvent& event) {
   return isMove || (!event.text().isEmpty() && event.key() != Qt::Key_Escape);
 }
 
-QLabel* makeCaption(const QString& text = {}) {
+QLabel* makeCaption(QPalette::ColorRole role, const QString& text = {}) {
   auto* caption = new QLabel(text);
   caption->setFont(textFont(TextStyle::caption));
-  caption->setForegroundRole(ThemeRole::secondaryText);
+  caption->setForegroundRole(role);
   caption->setWordWrap(true);
   caption->setTextFormat(Qt::PlainText);
   return caption;
@@ -53,7 +53,7 @@ ComposerCard::ComposerCard(CaptureComposer& composer, MicButton* mic, QAbstractB
       m_editor(new ExactTextEdit(this)),
       m_suggestions(new MacHashtagSuggestionsView(
           {}, [this](const std::string& tag) { m_composer.acceptSuggestion(tag); })),
-      m_message(makeCaption()),
+      m_message(makeCaption(ThemeRole::primaryText)),
       m_dismiss(new IconButton(Symbol::xmarkCircleFill, QStringLiteral("Dismiss message"))),
       m_mic(mic),
       m_save(save) {
@@ -109,7 +109,8 @@ QWidget* ComposerCard::makeFooter() {
   auto* row = new QHBoxLayout(footer);
   row->setContentsMargins(8, 0, 2, 0);
   row->setSpacing(8);
-  row->addWidget(makeCaption(QStringLiteral("Return to save · Shift Return for new line")), 1);
+  row->addWidget(
+      makeCaption(ThemeRole::secondaryText, QStringLiteral("Return to save · Shift Return for new line")), 1);
   row->addWidget(m_mic);
   row->addWidget(m_save);
   return footer;
