@@ -415,9 +415,13 @@ void NotletMacApp::quit() {
     return QCoreApplication::exit(0);
   if (m_quitQuestion)
     return;
-  m_shellWindows->activateMainWindow();
+  // Over the text at stake, if that is where it was asked for, and back to it when it is called off.
+  const bool isFromPopover = m_popover && m_popover->isActiveWindow();
+  if (!isFromPopover)
+    m_shellWindows->activateMainWindow();
   m_quitQuestion = Alert::destructiveQuestion(
-      m_mainWindow->centralWidget(), QStringLiteral("Quit and lose what you typed?"),
+      isFromPopover ? m_popoverContent : m_mainWindow->centralWidget(),
+      QStringLiteral("Quit and lose what you typed?"),
       QStringLiteral(
           "What you typed and did not save cannot be kept on the disk. It is lost when Notlet ends."),
       QStringLiteral("Quit"));

@@ -52,22 +52,25 @@ class TroubleJourney(Journey):
                 self.clear_drafts()
 
     def test_the_key_that_quits_asks_before_what_was_typed_is_lost(self):
-        self.open()
         state = self.desktop.place("state", "notlet")
-        os.rename(state, state + "-away")
-        with open(state, "w"):
-            pass
-        self.desktop.type("precious")
-        self.desktop.keys("ctrl+q")
-        self.desktop.control("label", "Quit and lose what you typed?")
-        self.desktop.keys("Escape")
-        self.await_keyboard("Notlet")
-        self.await_text("precious")
-        os.remove(state)
-        os.rename(state + "-away", state)
-        self.desktop.keys("ctrl+q")
-        self.assertEqual(self.program.wait(10), 0)
-        self.assertEqual(self.draft("main-window"), "precious")
+        for window, surface, open_it in (("Notlet", "main-window", lambda: None), (POPOVER, "popover", self.open_popover)):
+            with self.subTest(window):
+                self.open()
+                open_it()
+                os.rename(state, state + "-away")
+                with open(state, "w"):
+                    pass
+                self.desktop.type("precious")
+                self.desktop.keys("ctrl+q")
+                self.desktop.control("label", "Quit and lose what you typed?")
+                self.desktop.keys("Escape")
+                self.await_keyboard(window)
+                self.await_text("precious", window)
+                os.remove(state)
+                os.rename(state + "-away", state)
+                self.desktop.keys("ctrl+q")
+                self.assertEqual(self.program.wait(10), 0)
+                self.assertEqual(self.draft(surface), "precious")
 
     def test_the_key_that_quits_works_without_the_main_window(self):
         left = self.desktop.place("state", "notlet", "drafts", "edits", ".notlet-new-0123456789abcdef")
