@@ -413,8 +413,11 @@ void NotletMacApp::quit() {
   flushDrafts();
   if (isTextSafe())
     return QCoreApplication::exit(0);
-  if (m_quitQuestion)
-    return;
+  if (m_quitQuestion) {
+    // It waits over one window while the key comes from another.
+    m_quitQuestion->raise();
+    return m_desktop.windowSystem().activate(m_quitQuestion->winId());
+  }
   // Over the text at stake, if that is where it was asked for, and back to it when it is called off.
   const bool isFromPopover = m_popover && m_popover->isActiveWindow();
   if (!isFromPopover)
