@@ -7,7 +7,6 @@
 
 #include "widgets/TextButton.h"
 #include "widgets/TextConversion.h"
-#include "widgets/TextStyle.h"
 #include "widgets/ThemePalette.h"
 
 namespace notlet {
@@ -55,18 +54,17 @@ Alert::Alert(QWidget* parent, const QString& title, const QString& text)
   m_buttons->addStretch();
 }
 
-void Alert::addSmallPrint(const QString& print) {
-  if (print.isEmpty())
-    return;
-  auto* label = makeLabel(print, TextStyle::caption);
-  label->setForegroundRole(ThemeRole::secondaryText);
+QLabel* Alert::addBelowText(const QString& text, TextStyle style) {
+  auto* label = makeLabel(text, style);
   constexpr int belowTheText = 2;
   m_rows->insertWidget(belowTheText, label);
+  return label;
 }
 
 Alert* Alert::message(QWidget* parent, const QString& title, const QString& text, const QString& reason) {
   auto* alert = new Alert(parent, title, text);
-  alert->addSmallPrint(reason);
+  if (!reason.isEmpty())
+    alert->addBelowText(reason, TextStyle::caption)->setForegroundRole(ThemeRole::secondaryText);
   auto* ok = new TextButton(tr("OK"), TextButton::Look::primary);
   alert->m_buttons->addWidget(ok);
   connect(ok, &TextButton::clicked, alert, &Alert::accept);
@@ -77,7 +75,9 @@ Alert* Alert::message(QWidget* parent, const QString& title, const QString& text
 Alert* Alert::destructiveQuestion(QWidget* parent, const QString& title, const QString& text,
                                   const QString& action, const QString& subject) {
   auto* alert = new Alert(parent, title, text);
-  alert->addSmallPrint(subject);
+  // What is to be read before the answer is no small print.
+  if (!subject.isEmpty())
+    alert->addBelowText(subject, TextStyle::body);
   auto* cancel = new TextButton(tr("Cancel"), TextButton::Look::standard);
   auto* confirm = new TextButton(action, TextButton::Look::destructive);
   alert->m_buttons->addWidget(cancel);

@@ -2,7 +2,10 @@
 
 #include <QDialog>
 
+#include "widgets/TextStyle.h"
+
 class QHBoxLayout;
+class QLabel;
 class QVBoxLayout;
 
 namespace notlet {
@@ -27,7 +30,7 @@ class Alert : public QDialog {
  private:
   Alert(QWidget* parent, const QString& title, const QString& text);
 
-  void addSmallPrint(const QString& print);
+  QLabel* addBelowText(const QString& text, TextStyle style);
 
   QVBoxLayout* m_rows;
   QHBoxLayout* m_buttons;
