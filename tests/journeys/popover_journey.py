@@ -277,7 +277,7 @@ class PopoverJourney(Journey):
 
     def close_main_window(self):
         self.await_keyboard("Notlet")
-        self.desktop.keys("alt+F4")
+        self.server.ask_to_close(self.await_window("Notlet"))
 
     def test_a_closed_window_leaves_the_program_and_a_notification(self):
         shown = self.desktop.place("shown")

@@ -1,6 +1,7 @@
 """What the X server knows and assistive technology does not: places, shapes, workspaces, the keyboard's owner."""
 from Xlib import X, display, error
 from Xlib.ext import shape  # noqa: F401  Its calls are methods of windows.
+from Xlib.protocol import event
 
 
 class XServer:
@@ -92,6 +93,13 @@ class XServer:
         for locks in (0, X.LockMask, X.Mod2Mask, X.LockMask | X.Mod2Mask):
             self.root.grab_key(self.display.keysym_to_keycode(keysym), modifiers | locks, False, X.GrabModeAsync,
                                X.GrabModeAsync)
+        self.display.sync()
+
+    def ask_to_close(self, window):
+        """As the cross in the window's frame does, through the window manager."""
+        message = event.ClientMessage(window=window, client_type=self.atom("_NET_CLOSE_WINDOW"),
+                                      data=(32, [X.CurrentTime, 2, 0, 0, 0]))
+        self.root.send_event(message, X.SubstructureRedirectMask | X.SubstructureNotifyMask)
         self.display.sync()
 
     def ungrab_all(self):
